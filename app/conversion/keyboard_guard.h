@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/event_poster.h"
+#include "host/focus_target.h"
+#include "host/keyboard_hold.h"
+
+#include <atomic>
+#include <memory>
+
+namespace kelvora {
+
+/// Keeps the user's keys out of one conversion, and knows whether the focus is still where it was
+/// at the trigger. Made on the main thread; used by the conversion's thread until that has handed
+/// over its outcome, and by the main thread afterwards.
+class KeyboardGuard {
+public:
+    KeyboardGuard(EventPoster& poster, FocusTarget target) : poster_(poster), target_(target) {}
+
+    /// Holds the keyboards, where the desktop can.
+    void begin();
+    /// Gives them back; the keys pressed meanwhile are delivered now. Again and again: no effect.
+    void end() { hold_.reset(); }
+    [[nodiscard]] bool isHolding() const { return hold_ != nullptr; }
+
+    /// While holding: waits until everything typed before the hold has been recorded. False when
+    /// that cannot be told.
+    [[nodiscard]] bool settle() { return hold_->settle(); }
+
+    /// The focus left the trigger's window, even if it came back: what was typed there is
+    /// forgotten.
+    [[nodiscard]] bool hasLostFocus();
+    /// Any thread: another window got the focus, or another client the keyboard.
+    void noteFocusChange() { focusChanged_ = true; }
+
+private:
+    EventPoster& poster_;
+    FocusTarget target_;
+    std::unique_ptr<KeyboardHold> hold_;
+    std::atomic<bool> focusChanged_ = false;
+};
+
+} // namespace kelvora

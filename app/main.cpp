@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "app/shell/app_delegate.h"
+#include "host/linux/desktop/stderr_log.h"
+#include "host/linux/loop/qt_dispatch.h"
+#include "host/linux/loop/qt_event_loop.h"
+#include "host/linux/x11/x11_services.h"
+
+#include <QCoreApplication>
+
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/signalfd.h>
+#include <sysexits.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace kelvora;
+
+constexpr const char* waylandLimit =
+    "This is a Wayland session: only X11 windows are served, Wayland windows are not yet.";
+
+/// What people type is in this process's memory: it must not get into a core dump, nor be read by
+/// other programs of the same user.
+void forbidDumps() {
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none);
+    prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+}
+
+/// Termination as an event of the loop, so that everything is given back in order. Before any
+/// thread is started, which would take the signals otherwise.
+int terminationSignals() {
+    sigset_t signalSet;
+    sigemptyset(&signalSet);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&signalSet, signal);
+    sigprocmask(SIG_BLOCK, &signalSet, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    return signalfd(-1, &signalSet, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+std::string_view environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+bool isWaylandSession() {
+    return environment("XDG_SESSION_TYPE") == "wayland" ||
+           (environment("XDG_SESSION_TYPE").empty() && !environment("WAYLAND_DISPLAY").empty());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    forbidDumps();
+    const int signalFile = terminationSignals();
+    std::setlocale(LC_CTYPE, "");
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName("Kelvora");
+
+    StderrLog log(environment("KELVORA_LOG") == "debug" ? LogLevel::debug : LogLevel::info);
+    constexpr std::string_view category = "Launch";
+    const std::string display(environment("DISPLAY"));
+    if (isWaylandSession())
+        log.write(LogLevel::info, category, waylandLimit);
+    if (display.empty()) {
+        log.write(LogLevel::error, category,
+                  "No X server: DISPLAY is not set. Start Kelvora in an X11 session.");
+        return EX_UNAVAILABLE;
+    }
+
+    QtEventLoop loop;
+    const auto services = X11Services::create(display, loop, [&log] {
+        log.write(LogLevel::error, category, "The X server has gone away.");
+        QCoreApplication::exit(EX_UNAVAILABLE);
+    });
+    if (!services) {
+        log.write(LogLevel::error, category,
+                  "The X server at DISPLAY=" + display +
+                      " cannot be reached or lacks XKEYBOARD or XTEST.");
+        return EX_UNAVAILABLE;
+    }
+    const auto signalWatch = loop.watchReadable(signalFile, [] { QCoreApplication::exit(0); });
+
+    // Last made, first to end: a conversion under way completes before anything that it uses goes.
+    QtDispatch dispatch;
+    AppDelegate delegate(Desktop{
+        .dispatch = dispatch,
+        .log = log,
+        .eventSource = services->eventSource(),
+        .eventPoster = services->eventPoster(),
+        .inputSources = services->inputSources(),
+        .keyTranslator = services->keyTranslator(),
+        .workspace = services->workspace(),
+        .permissions = services->permissions(),
+        .sessionLimit = isWaylandSession() ? waylandLimit : "",
+    });
+    delegate.model().onStatusChanged = [&log](std::string_view status) {
+        log.write(LogLevel::info, "Status", status);
+    };
+    delegate.launch();
+    return QCoreApplication::exec();
+}

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "app/shell/app_delegate.h"
+
+#include "app/io/system_event_poster.h"
+
+#include <utility>
+
+namespace kelvora {
+
+AppDelegate::AppDelegate(const Desktop& desktop)
+    : AppDelegate(desktop, std::make_shared<SystemEventPoster>(desktop.eventPoster)) {}
+
+AppDelegate::AppDelegate(const Desktop& desktop, std::shared_ptr<EventPosting> poster)
+    : desktop_(desktop), model_(desktop.inputSources, desktop.permissions),
+      hotkey_(desktop.eventSource, desktop.dispatch, desktop.log),
+      conversion_(desktop, model_, hotkey_.typedText(), std::move(poster)) {}
+
+AppDelegate::~AppDelegate() {
+    desktop_.workspace.setOnFocusChanged(nullptr);
+}
+
+void AppDelegate::launch() {
+    const WeakHandle<AppDelegate> weak = self_.handle();
+    hotkey_.onShiftEvent = [weak] {
+        if (AppDelegate* delegate = weak.get()) {
+            ++delegate->model_.shiftEventCount;
+        }
+    };
+    hotkey_.onTrigger = [weak] {
+        if (AppDelegate* delegate = weak.get()) {
+            delegate->handleTrigger();
+        }
+    };
+    model_.onSettingsChanged = [weak] {
+        if (AppDelegate* delegate = weak.get()) {
+            delegate->applySettings();
+        }
+    };
+    desktop_.workspace.setOnFocusChanged([weak] {
+        if (AppDelegate* delegate = weak.get()) {
+            delegate->handleFocusChange();
+        }
+    });
+    applySettings();
+}
+
+void AppDelegate::applySettings() {
+    hotkey_.setMaximumInterval(model_.sensitivity());
+    if (model_.isEnabled() && model_.accessibilityGranted()) {
+        hotkey_.start();
+    } else {
+        hotkey_.stop();
+    }
+    std::string status = listenerStatus();
+    if (status != model_.hotkeyStatus()) {
+        model_.setHotkeyStatus(std::move(status));
+    }
+}
+
+std::string AppDelegate::listenerStatus() {
+    if (!model_.isEnabled()) {
+        return "Disabled";
+    }
+    if (!model_.accessibilityGranted()) {
+        return "Accessibility permission required";
+    }
+    // Not the monitor of this program's own events: that alone hears nobody else's Shift.
+    if (hotkey_.eventTap() || hotkey_.globalMonitor()) {
+        const std::string status = "Listening for double-Shift";
+        return desktop_.sessionLimit.empty() ? status : status + ". " + desktop_.sessionLimit;
+    }
+    return "Keyboard listener could not start. Quit and reopen Kelvora.";
+}
+
+void AppDelegate::handleTrigger() {
+    ++model_.doubleTapCount;
+    // Layouts may have been added or removed since the last look.
+    model_.refreshInputSources();
+    conversion_.performConversion();
+}
+
+void AppDelegate::handleFocusChange() {
+    hotkey_.typedText()->reset();
+    conversion_.focusChanged();
+}
+
+} // namespace kelvora

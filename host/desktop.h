@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/dispatch.h"
+#include "host/event_poster.h"
+#include "host/event_source.h"
+#include "host/input_sources.h"
+#include "host/key_translator.h"
+#include "host/log.h"
+#include "host/permissions.h"
+#include "host/workspace.h"
+
+#include <string>
+
+namespace kelvora {
+
+/// One desktop's services, as the program is handed them. All outlive the program's own objects.
+struct Desktop {
+    Dispatch& dispatch;
+    LogSink& log;
+    EventSource& eventSource;
+    EventPoster& eventPoster;
+    InputSources& inputSources;
+    KeyTranslator& keyTranslator;
+    Workspace& workspace;
+    Permissions& permissions;
+    /// What of the session is out of reach, for the listener's status; empty when nothing is.
+    /// UTF-8.
+    std::string sessionLimit = {};
+};
+
+} // namespace kelvora

@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_event_poster.h"
+
+#include "host/linux/x11/x11_keyboard_hold.h"
+#include "host/linux/x11/x11_text_typist.h"
+#include "host/linux/xkb/key_positions.h"
+
+#include <xcb/xinput.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include <chrono>
+#include <thread>
+
+namespace kelvora {
+namespace {
+
+constexpr std::uint8_t shiftModifier = 1;
+constexpr std::uint8_t controlModifier = 4;
+
+/// Keys that are asked for by what they do rather than by where they are.
+std::optional<xkb_keysym_t> keysymFor(const InputEvent& event) {
+    switch (event.keyCode) {
+    case keyCode::backspace:
+        return XKB_KEY_BackSpace;
+    case keyCode::leftArrow:
+        return XKB_KEY_Left;
+    case keyCode::rightArrow:
+        return XKB_KEY_Right;
+    default:
+        break;
+    }
+    if ((event.flags & eventFlag::command) == 0)
+        return std::nullopt;
+    switch (event.keyCode) {
+    case keyCode::a:
+        return XKB_KEY_a;
+    case keyCode::c:
+        return XKB_KEY_c;
+    case keyCode::v:
+        return XKB_KEY_v;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<std::uint8_t> keycodeAt(xkb_keymap* keymap, KeyCode keyCode) {
+    const auto name = keyNameForKeyCode(keyCode);
+    if (!name)
+        return std::nullopt;
+    const xkb_keycode_t keycode = xkb_keymap_key_by_name(keymap, std::string(*name).c_str());
+    if (keycode == XKB_KEYCODE_INVALID || keycode > 255)
+        return std::nullopt;
+    return static_cast<std::uint8_t>(keycode);
+}
+
+} // namespace
+
+std::unique_ptr<X11EventPoster> X11EventPoster::create(const std::string& display,
+                                                       X11PostingMarks& marks) {
+    auto marked = X11KeyboardControl::create(display.c_str());
+    auto unmarked = X11KeyboardControl::create(display.c_str());
+    if (!marked || !unmarked)
+        return nullptr;
+    XcbConnectionPtr grabbing = connectX11(display.c_str());
+    if (grabbing) {
+        const XcbPtr<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+            grabbing.get(), xcb_input_xi_query_version(grabbing.get(), 2, 2), nullptr));
+        if (!version || version->major_version < 2)
+            grabbing.reset();
+    }
+    return std::unique_ptr<X11EventPoster>(
+        new X11EventPoster(std::move(marked), std::move(unmarked), std::move(grabbing), marks));
+}
+
+X11EventPoster::X11EventPoster(std::unique_ptr<X11KeyboardControl> marked,
+                               std::unique_ptr<X11KeyboardControl> unmarked,
+                               XcbConnectionPtr grabbing, X11PostingMarks& marks)
+    : marked_(std::move(marked)), unmarked_(std::move(unmarked)), grabbing_(std::move(grabbing)),
+      marks_(marks) {
+    marks_.markedClient = marked_->clientBase();
+    marks_.onUserKeyRelease = [this](std::uint8_t keycode) { onUserKeyRelease(keycode); };
+    releaseForgottenKeys();
+}
+
+X11EventPoster::~X11EventPoster() {
+    marks_.onUserKeyRelease = nullptr;
+    marks_.markedClient = 0;
+}
+
+/// Keys that only the XTEST keyboard holds when the program starts were left by one that crashed.
+void X11EventPoster::releaseForgottenKeys() {
+    X11KeySet synthetic;
+    X11KeySet physical;
+    for (const X11SlaveKeyboard& keyboard : marked_->slaveKeyboards())
+        (keyboard.isXTest ? synthetic : physical) |= marked_->keysDownOn(keyboard.id);
+    synthetic &= ~physical;
+    for (std::size_t key = 0; key < synthetic.size(); ++key)
+        if (synthetic[key])
+            marked_->releaseKey(static_cast<std::uint8_t>(key));
+    marked_->flush();
+}
+
+std::optional<InputEvent> X11EventPoster::createKeyEvent(KeyCode keyCode, KeyDirection direction) {
+    const std::lock_guard lock(mutex_);
+    if (!marked_->isAlive())
+        return std::nullopt;
+    InputEvent event;
+    event.type = direction == KeyDirection::down ? EventType::keyDown : EventType::keyUp;
+    event.keyCode = keyCode;
+    return event;
+}
+
+void X11EventPoster::post(const InputEvent& event) {
+    const std::lock_guard lock(mutex_);
+    if (event.sourceUserData != 0)
+        marks_.mark = event.sourceUserData;
+    X11KeyboardControl& control = event.sourceUserData != 0 ? *marked_ : *unmarked_;
+    if (!event.text.empty()) {
+        if (event.type == EventType::keyDown)
+            typeText(control, event.text.view(),
+                     [this](const std::function<void()>& send) { return postGuarded(send); });
+    } else if (event.type == EventType::keyDown) {
+        postKeyDown(control, event);
+    } else if (event.type == EventType::keyUp) {
+        postKeyUp(control);
+    }
+    control.flush();
+}
+
+bool X11EventPoster::postGuarded(const std::function<void()>& send) {
+    if (hold_ != nullptr)
+        return hold_->post(send);
+    send();
+    return true;
+}
+
+std::optional<std::uint8_t> X11EventPoster::keycodeFor(X11KeyboardControl& control,
+                                                       const InputEvent& event) {
+    if (const auto keysym = keysymFor(event))
+        if (const auto keycode = control.keys().keycodeFor(*keysym, control.state().lockedGroup))
+            return keycode;
+    return keycodeAt(control.keymap(), event.keyCode);
+}
+
+void X11EventPoster::postKeyDown(X11KeyboardControl& control, const InputEvent& event) {
+    keyDown_.reset();
+    if (!control.synchronize())
+        return;
+    const auto keycode = keycodeFor(control, event);
+    if (!keycode)
+        return;
+    std::uint8_t modifiers = 0;
+    if ((event.flags & eventFlag::shift) != 0)
+        modifiers |= shiftModifier;
+    if ((event.flags & (eventFlag::control | eventFlag::command)) != 0)
+        modifiers |= controlModifier;
+    if ((event.flags & eventFlag::option) != 0)
+        modifiers |= ModifierRoles::of(control.keymap()).option;
+    postGuarded([&] {
+        auto neutral =
+            std::make_unique<X11NeutralKeyboard>(control, X11NeutralKeyboard::Locks::keep);
+        neutral->pressModifiers(modifiers);
+        control.pressKey(*keycode);
+        keyDown_ = KeyDown{*keycode, std::move(neutral)};
+    });
+}
+
+void X11EventPoster::postKeyUp(X11KeyboardControl& control) {
+    // A key that was withheld has nothing to let go of.
+    if (!keyDown_)
+        return;
+    control.releaseKey(keyDown_->keycode);
+    keyDown_.reset();
+}
+
+EventFlags X11EventPoster::modifierState() {
+    const std::lock_guard lock(mutex_);
+    if (!marked_->synchronize())
+        return 0;
+    // Only what is held: locks and latches have nobody's finger on them.
+    const std::uint8_t held = marked_->state().baseModifiers;
+    if (held == 0)
+        return 0;
+    const ModifierRoles roles = ModifierRoles::of(marked_->keymap());
+    EventFlags flags = 0;
+    if ((held & shiftModifier) != 0)
+        flags |= eventFlag::shift;
+    if ((held & controlModifier) != 0)
+        flags |= eventFlag::control;
+    if ((held & roles.option) != 0)
+        flags |= eventFlag::option;
+    if ((held & roles.command) != 0)
+        flags |= eventFlag::command;
+    return flags;
+}
+
+void X11EventPoster::sleep(double seconds) {
+    if (seconds > 0)
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
+std::unique_ptr<KeyboardHold> X11EventPoster::holdKeyboard(FocusTarget target) {
+    if (!marked_->isAlive())
+        return nullptr;
+    return std::make_unique<X11KeyboardHold>(*this, target);
+}
+
+void X11EventPoster::onUserKeyRelease(std::uint8_t keycode) {
+    if (!hasLent_)
+        return;
+    const std::lock_guard lock(mutex_);
+    std::erase_if(lent_, [&](const LentKey& key) {
+        if (key.keycode != keycode)
+            return false;
+        unmarked_->setCarrier(key.carrier);
+        unmarked_->releaseKey(keycode);
+        unmarked_->setCarrier(0);
+        unmarked_->flush();
+        return true;
+    });
+    hasLent_ = !lent_.empty();
+}
+
+} // namespace kelvora

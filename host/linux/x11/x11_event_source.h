@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/event_source.h"
+#include "host/linux/event_loop.h"
+#include "host/linux/x11/x11_connection.h"
+#include "host/linux/x11/x11_posting_marks.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace kelvora {
+
+/// The session's keys and buttons: RECORD as the tap, XInput2 raw events as the global monitor of
+/// servers that have no RECORD. Own windows are seen by both, so there is no local monitor.
+class X11EventSource : public EventSource {
+public:
+    struct Callbacks {
+        /// Another window has the focus, or the keyboard was taken or given back by a client.
+        std::function<void()> onFocusChanged;
+        /// The server has gone away while something listened to it.
+        std::function<void()> onServerGone;
+    };
+
+    /// `display` as in DISPLAY. The loop and the marks outlive the source and what it hands out.
+    X11EventSource(std::string display, EventLoop& loop, X11PostingMarks& marks,
+                   Callbacks callbacks);
+
+    [[nodiscard]] std::unique_ptr<EventTap> createTap(EventMask mask,
+                                                      EventHandler handler) override;
+    [[nodiscard]] std::unique_ptr<EventMonitor> addGlobalMonitor(EventMask mask,
+                                                                 EventHandler handler) override;
+    [[nodiscard]] std::unique_ptr<EventMonitor> addLocalMonitor(EventMask mask,
+                                                                EventHandler handler) override;
+
+private:
+    std::string display_;
+    EventLoop& loop_;
+    X11PostingMarks& marks_;
+    Callbacks callbacks_;
+};
+
+} // namespace kelvora

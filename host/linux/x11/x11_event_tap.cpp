@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_event_tap.h"
+
+#include <clocale>
+#include <utility>
+
+namespace kelvora {
+namespace {
+
+constexpr std::uint8_t lastClickButton = 3;
+constexpr std::uint8_t firstExtraButton = 8; // 4 to 7 are the wheels
+
+XkbComposeTablePtr composeTable(xkb_context* context) {
+    const char* locale = std::setlocale(LC_CTYPE, nullptr);
+    return XkbComposeTablePtr(xkb_compose_table_new_from_locale(
+        context, locale != nullptr ? locale : "C", XKB_COMPOSE_COMPILE_NO_FLAGS));
+}
+
+} // namespace
+
+std::unique_ptr<X11EventTap> X11EventTap::create(const char* display, EventLoop& loop,
+                                                 X11PostingMarks& marks,
+                                                 const X11EventSource::Callbacks& callbacks,
+                                                 EventMask mask, EventHandler handler) {
+    XcbConnectionPtr connection = connectX11(display);
+    if (!connection)
+        return nullptr;
+    std::unique_ptr<X11Keymap> keymap = X11Keymap::create(connection.get());
+    if (!keymap)
+        return nullptr;
+    std::unique_ptr<X11EventTap> tap(new X11EventTap(std::move(connection), std::move(keymap),
+                                                     marks, callbacks, mask, std::move(handler)));
+    tap->record_ = X11RecordStream::create(display, *tap);
+    if (!tap->record_)
+        return nullptr;
+    X11EventTap& self = *tap;
+    tap->recordWatch_ =
+        loop.watchReadable(tap->record_->descriptor(), [&self] { self.processRecord(); });
+    tap->noticeWatch_ = loop.watchReadable(xcb_get_file_descriptor(tap->connection_.get()),
+                                           [&self] { self.processNotices(); });
+    return tap;
+}
+
+X11EventTap::X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap,
+                         X11PostingMarks& marks, const X11EventSource::Callbacks& callbacks,
+                         EventMask mask, EventHandler handler)
+    : marks_(marks), callbacks_(callbacks), mask_(mask), handler_(std::move(handler)),
+      connection_(std::move(connection)), keymap_(std::move(keymap)),
+      interpreter_(composeTable(keymap_->context()).get()), focus_(connection_.get()) {
+    interpreter_.setKeymap(keymap_->keymap());
+}
+
+X11EventTap::~X11EventTap() = default;
+
+void X11EventTap::setEnabled(bool enabled) {
+    if (enabled == record_->isEnabled())
+        return;
+    interpreter_.reset();
+    pendingFake_.reset();
+    if (enabled) {
+        focus_.start();
+        static_cast<void>(record_->enable());
+    } else {
+        record_->disable();
+    }
+}
+
+bool X11EventTap::isEnabled() const {
+    return record_->isEnabled();
+}
+
+void X11EventTap::processRecord() {
+    if (!record_->process() && callbacks_.onServerGone) {
+        recordWatch_.reset();
+        callbacks_.onServerGone();
+    }
+}
+
+void X11EventTap::processNotices() {
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
+        keymap_->handleEvent(event.get());
+    focus_.processReplies();
+    if (xcb_connection_has_error(connection_.get()) != 0)
+        noticeWatch_.reset();
+}
+
+void X11EventTap::onFakeInput(const X11FakeInput& request) {
+    pendingFake_ = request;
+}
+
+void X11EventTap::onDeviceEvent(const X11DeviceEvent& event) {
+    // The server makes the event of a synthetic request before it takes up anything else, so only
+    // the very next one can be it; a request without an event leaves nothing behind.
+    const std::optional<X11FakeInput> fake = std::exchange(pendingFake_, std::nullopt);
+    const bool isFake = fake && fake->isKey && event.isKey && fake->detail == event.detail &&
+                        fake->isPress == event.isPress;
+    const bool isOurs = isFake && fake->client == marks_.markedClient.load();
+    if (event.isKey) {
+        if (!isOurs && event.isPress)
+            marks_.userTypesThroughXTest = isFake && fake->isCoreDevice;
+        deliverKey(event, isOurs);
+        if (!isOurs && !event.isPress && marks_.onUserKeyRelease)
+            marks_.onUserKeyRelease(event.detail);
+    } else if (!focus_.isKeyboardTaken()) {
+        deliverButton(event);
+    }
+}
+
+void X11EventTap::onFocusEvent(const X11FocusEvent& event) {
+    pendingFake_.reset();
+    if (focus_.onFocusEvent(event) && callbacks_.onFocusChanged)
+        callbacks_.onFocusChanged();
+}
+
+void X11EventTap::onKeyboardGrabRequest(std::uint32_t client) {
+    focus_.onKeyboardGrabRequest(client);
+}
+
+void X11EventTap::onNoOperation(std::uint32_t client) {
+    if (client == marks_.markedClient.load())
+        marks_.fencePassed();
+}
+
+void X11EventTap::deliverKey(const X11DeviceEvent& event, bool isOurs) {
+    interpreter_.setKeymap(keymap_->keymap());
+    const auto interpreted =
+        interpreter_.interpret({.keycode = event.detail,
+                                .isPress = event.isPress,
+                                .modifiers = static_cast<std::uint8_t>(event.state & 0xFF),
+                                .group = static_cast<std::uint32_t>((event.state >> 13) & 3),
+                                .isSynthetic = isOurs});
+    if (!interpreted || focus_.isKeyboardTaken())
+        return;
+    InputEvent result = *interpreted;
+    if (isOurs) {
+        // Posting an event with flags makes no modifier change of its own.
+        if (result.type == EventType::flagsChanged)
+            return;
+        result.sourceUserData = marks_.mark.load();
+    }
+    deliver(result, event.time);
+}
+
+void X11EventTap::deliverButton(const X11DeviceEvent& event) {
+    InputEvent result;
+    if (event.detail == 1)
+        result.type = EventType::leftMouseDown;
+    else if (event.detail == lastClickButton)
+        result.type = EventType::rightMouseDown;
+    else if (event.detail == 2 || event.detail >= firstExtraButton)
+        result.type = EventType::otherMouseDown;
+    else
+        return;
+    deliver(result, event.time);
+}
+
+void X11EventTap::deliver(InputEvent event, std::uint32_t time) {
+    event.timestamp = time_.seconds(time);
+    if ((mask_ & eventMaskBit(event.type)) != 0)
+        handler_(event);
+}
+
+} // namespace kelvora

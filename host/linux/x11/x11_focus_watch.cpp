@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_focus_watch.h"
+
+#include <xcb/xcbext.h>
+
+namespace kelvora {
+
+X11FocusWatch::X11FocusWatch(xcb_connection_t* connection) : connection_(connection) {}
+
+void X11FocusWatch::start() {
+    isTaken_ = false;
+    const XcbPtr<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    if (focus)
+        follow(focus->focus);
+}
+
+bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
+    switch (event.mode) {
+    case XCB_NOTIFY_MODE_GRAB:
+        // An application that grabs the keyboard for a popup of its own still reads the keys
+        // itself.
+        if (!event.isIn && !isTaken_) {
+            const std::uint32_t mask = xcb_get_setup(connection_)->resource_id_mask;
+            isTaken_ = grabbingClient_ == 0 || (event.window & ~mask) != grabbingClient_;
+            grabbingClient_ = 0;
+            return true;
+        }
+        return false;
+    case XCB_NOTIFY_MODE_UNGRAB:
+        if (event.isIn && isTaken_) {
+            isTaken_ = false;
+            askForFocus();
+            return true;
+        }
+        return false;
+    default:
+        // The pointer that moves below the focus window changes nothing for the keyboard.
+        if (event.detail == XCB_NOTIFY_DETAIL_POINTER)
+            return false;
+        // Events from within a grab have a mode of their own: one without it says the grab is over,
+        // also where the end of the grab itself was told to a window that nobody watches.
+        if (event.mode == XCB_NOTIFY_MODE_NORMAL)
+            isTaken_ = false;
+        askForFocus();
+        return true;
+    }
+}
+
+void X11FocusWatch::processReplies() {
+    if (!question_)
+        return;
+    void* reply = nullptr;
+    xcb_generic_error_t* error = nullptr;
+    if (xcb_poll_for_reply(connection_, question_->sequence, &reply, &error) == 0)
+        return;
+    question_.reset();
+    const XcbPtr<xcb_get_input_focus_reply_t> focus(
+        static_cast<xcb_get_input_focus_reply_t*>(reply));
+    const XcbPtr<xcb_generic_error_t> ignored(error);
+    if (focus)
+        follow(focus->focus);
+}
+
+void X11FocusWatch::askForFocus() {
+    if (question_)
+        xcb_discard_reply(connection_, question_->sequence);
+    question_ = xcb_get_input_focus(connection_);
+    xcb_flush(connection_);
+}
+
+void X11FocusWatch::follow(xcb_window_t window) {
+    if (window == followed_ || window == XCB_NONE || window == XCB_INPUT_FOCUS_POINTER_ROOT)
+        return;
+    followed_ = window;
+    // The window may be gone by now; the error that this gives is an event that nobody reads.
+    const std::uint32_t events = XCB_EVENT_MASK_FOCUS_CHANGE;
+    xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &events);
+    xcb_flush(connection_);
+}
+
+} // namespace kelvora

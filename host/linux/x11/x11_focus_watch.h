@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/linux/x11/x11_record_stream.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace kelvora {
+
+/// Which window has the focus and whether another client holds the keyboard, from the focus events
+/// that RECORD shows. The server only sends focus events that somebody asked for, so this asks for
+/// those of the focus window, on a connection of the caller's. Main thread only; never waits.
+class X11FocusWatch {
+public:
+    explicit X11FocusWatch(xcb_connection_t* connection);
+
+    /// Learns the present focus. Waits for the server, so only before listening starts.
+    void start();
+    /// True when what has the keyboard has changed.
+    [[nodiscard]] bool onFocusEvent(const X11FocusEvent& event);
+    void onKeyboardGrabRequest(std::uint32_t client) { grabbingClient_ = client; }
+    /// Takes up answers that have arrived.
+    void processReplies();
+
+    /// Another client than the focused one reads the keys now.
+    [[nodiscard]] bool isKeyboardTaken() const { return isTaken_; }
+
+private:
+    void askForFocus();
+    void follow(xcb_window_t window);
+
+    xcb_connection_t* connection_;
+    xcb_window_t followed_ = XCB_NONE;
+    std::optional<xcb_get_input_focus_cookie_t> question_;
+    /// The last client that asked for the keyboard, and not since a grab began.
+    std::uint32_t grabbingClient_ = 0;
+    bool isTaken_ = false;
+};
+
+} // namespace kelvora

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/focus_target.h"
+#include "host/linux/x11/x11_connection.h"
+#include "host/linux/x11/x11_keymap.h"
+#include "host/linux/xkb/character_keys.h"
+
+#include <bitset>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace kelvora {
+
+/// The set of keys that are down, by key code.
+using X11KeySet = std::bitset<256>;
+
+/// One slave keyboard of the core keyboard.
+struct X11SlaveKeyboard {
+    std::uint16_t id = 0;
+    bool isXTest = false;
+};
+
+/// The requests that posting is made of, on one connection. One thread at a time; each call that
+/// answers waits for the server.
+class X11KeyboardControl {
+public:
+    /// Null when the server cannot be reached or lacks XTEST or XKB.
+    [[nodiscard]] static std::unique_ptr<X11KeyboardControl> create(const char* display);
+
+    [[nodiscard]] xcb_connection_t* connection() const { return connection_.get(); }
+    [[nodiscard]] bool isAlive() const;
+    [[nodiscard]] std::uint32_t clientBase() const;
+
+    /// Takes up what other clients did to the keyboard until now. False when the server is gone.
+    bool synchronize();
+    /// As of the last synchronize().
+    [[nodiscard]] const X11KeyboardState& state() const { return keymap_->state(); }
+    [[nodiscard]] const CharacterKeys& keys();
+    [[nodiscard]] xkb_keymap* keymap() { return keymap_->keymap(); }
+
+    /// Through which device pressKey() goes: 0 for the XTEST keyboard, else a slave keyboard's id.
+    void setCarrier(std::uint16_t deviceId) { carrier_ = deviceId; }
+    [[nodiscard]] std::uint16_t carrier() const { return carrier_; }
+    void pressKey(std::uint8_t keycode) { sendKey(keycode, true); }
+    void releaseKey(std::uint8_t keycode) { sendKey(keycode, false); }
+
+    void lockGroup(std::uint8_t group);
+    /// Sets the locked modifiers named in `affected` to `values` and clears all latches.
+    void lockModifiers(std::uint8_t affected, std::uint8_t values);
+    [[nodiscard]] bool isStickyKeysOn();
+
+    /// What is down on the core keyboard, and on one slave keyboard.
+    [[nodiscard]] X11KeySet keysDown();
+    [[nodiscard]] X11KeySet keysDownOn(std::uint16_t deviceId);
+    /// Empty without XInput 2.
+    [[nodiscard]] std::vector<X11SlaveKeyboard> slaveKeyboards();
+
+    void grabServer() { xcb_grab_server(connection()); }
+    void ungrabServer();
+    void flush() { xcb_flush(connection()); }
+
+private:
+    X11KeyboardControl(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap);
+    void sendKey(std::uint8_t keycode, bool press);
+    void processEvents();
+
+    XcbConnectionPtr connection_;
+    std::unique_ptr<X11Keymap> keymap_;
+    std::optional<CharacterKeys> keys_;
+    std::uint64_t keysVersion_ = 0;
+    xcb_window_t root_ = XCB_NONE;
+    std::uint16_t carrier_ = 0;
+    std::uint8_t xinputEvent_ = 0; ///< first event code; 0 without XInput 2
+};
+
+} // namespace kelvora

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_keyboard_hold.h"
+
+#include <xcb/xinput.h>
+
+#include <chrono>
+#include <utility>
+
+namespace kelvora {
+namespace {
+
+constexpr std::chrono::milliseconds settleLimit{1000};
+constexpr std::uint8_t shiftModifier = 1;
+
+struct KeyMask {
+    std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+};
+
+bool isModifier(const CharacterKeys& keys, std::uint8_t keycode) {
+    for (const ModifierKeycode& key : keys.modifierKeys())
+        if (key.keycode == keycode)
+            return true;
+    return false;
+}
+
+} // namespace
+
+X11KeyboardHold::X11KeyboardHold(X11EventPoster& poster, FocusTarget target)
+    : poster_(poster), marked_(*poster.marked_), unmarked_(*poster.unmarked_),
+      grabbing_(poster.grabbing_.get()) {
+    const std::lock_guard lock(poster_.mutex_);
+    focus_.emplace(marked_, target);
+    if (!marked_.synchronize())
+        return;
+    grabKeyboards();
+    undoStickyKeys();
+    releaseWhatIsDown();
+    poster_.hold_ = this;
+}
+
+X11KeyboardHold::~X11KeyboardHold() {
+    const std::lock_guard lock(poster_.mutex_);
+    poster_.hold_ = nullptr;
+    poster_.keyDown_.reset();
+    focus_.reset();
+    if (!grabbed_.empty() && unmarked_.synchronize()) {
+        readHeldEvents();
+        replayHeldEvents();
+        pressAgain();
+        ungrabKeyboards();
+        // What came between the last look and the end of the grab.
+        readHeldEvents();
+        replayHeldEvents();
+    } else {
+        ungrabKeyboards();
+    }
+    marked_.setCarrier(0);
+    unmarked_.setCarrier(0);
+    marked_.flush();
+    unmarked_.flush();
+}
+
+void X11KeyboardHold::grabKeyboards() {
+    if (grabbing_ == nullptr)
+        return;
+    const std::vector<X11SlaveKeyboard> keyboards = marked_.slaveKeyboards();
+    std::uint16_t carrier = 0;
+    if (poster_.marks_.userTypesThroughXTest) {
+        for (const X11SlaveKeyboard& keyboard : keyboards)
+            if (!keyboard.isXTest && carrier == 0)
+                carrier = keyboard.id;
+        if (carrier == 0) // nothing else to post through
+            return;
+    }
+    for (const X11SlaveKeyboard& keyboard : keyboards) {
+        const bool carries = carrier != 0 ? keyboard.id == carrier : keyboard.isXTest;
+        if (!carries && !grab(keyboard.id)) {
+            ungrabKeyboards();
+            return;
+        }
+    }
+    marked_.setCarrier(carrier);
+    unmarked_.setCarrier(carrier);
+}
+
+bool X11KeyboardHold::grab(std::uint16_t deviceId) {
+    const KeyMask mask;
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(grabbing_)).data->root;
+    const XcbPtr<xcb_input_xi_grab_device_reply_t> reply(xcb_input_xi_grab_device_reply(
+        grabbing_,
+        xcb_input_xi_grab_device(grabbing_, root, XCB_CURRENT_TIME, XCB_NONE, deviceId,
+                                 XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC, 0, 1,
+                                 &mask.mask),
+        nullptr));
+    if (!reply || reply->status != XCB_GRAB_STATUS_SUCCESS)
+        return false;
+    grabbed_.push_back(deviceId);
+    return true;
+}
+
+void X11KeyboardHold::ungrabKeyboards() {
+    for (const std::uint16_t device : grabbed_)
+        xcb_input_xi_ungrab_device(grabbing_, XCB_CURRENT_TIME, device);
+    if (!grabbed_.empty()) // the answer says that the grabs are over
+        XcbPtr<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(grabbing_, xcb_get_input_focus(grabbing_), nullptr));
+    grabbed_.clear();
+}
+
+void X11KeyboardHold::releaseWhatIsDown() {
+    // Held modifiers would change what is posted, and a held key would go on repeating; their
+    // coming up is seen by us alone from now on.
+    const X11KeySet down = marked_.keysDown();
+    for (std::size_t key = 0; key < down.size(); ++key)
+        if (down[key])
+            marked_.releaseKey(static_cast<std::uint8_t>(key));
+    if (!grabbed_.empty())
+        downBefore_ = down;
+    marked_.synchronize();
+}
+
+void X11KeyboardHold::undoStickyKeys() {
+    // There the trigger itself has locked Shift.
+    const X11KeyboardState& state = marked_.state();
+    const auto sticky = static_cast<std::uint8_t>(state.lockedModifiers | state.latchedModifiers);
+    if ((sticky & shiftModifier) != 0 && marked_.isStickyKeysOn())
+        marked_.lockModifiers(shiftModifier, 0);
+}
+
+bool X11KeyboardHold::settle() {
+    const std::uint64_t passed = poster_.marks_.fencesPassed();
+    {
+        const std::lock_guard lock(poster_.mutex_);
+        xcb_no_operation(marked_.connection());
+        marked_.flush();
+    }
+    return poster_.marks_.waitForFenceAfter(passed, settleLimit);
+}
+
+bool X11KeyboardHold::hasFocus() {
+    const std::lock_guard lock(poster_.mutex_);
+    return focus_->hasFocus();
+}
+
+bool X11KeyboardHold::post(const std::function<void()>& send) {
+    return focus_->post(send);
+}
+
+void X11KeyboardHold::readHeldEvents() {
+    const auto* xinput = xcb_get_extension_data(grabbing_, &xcb_input_id);
+    XcbPtr<xcb_get_input_focus_reply_t>(
+        xcb_get_input_focus_reply(grabbing_, xcb_get_input_focus(grabbing_), nullptr));
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(grabbing_)}) {
+        const auto* key = reinterpret_cast<const xcb_input_key_press_event_t*>(event.get());
+        if ((event->response_type & 0x7F) != XCB_GE_GENERIC ||
+            key->extension != xinput->major_opcode ||
+            (key->event_type != XCB_INPUT_KEY_PRESS && key->event_type != XCB_INPUT_KEY_RELEASE) ||
+            key->detail > 255)
+            continue;
+        events_.push_back({.keycode = static_cast<std::uint8_t>(key->detail),
+                           .isPress = key->event_type == XCB_INPUT_KEY_PRESS,
+                           .isRepeat = (key->flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0});
+    }
+}
+
+void X11KeyboardHold::replayHeldEvents() {
+    for (const HeldEvent& event : std::exchange(events_, {})) {
+        if (!event.isPress) {
+            // A key from before the hold has been let go of for the applications already.
+            downBefore_.reset(event.keycode);
+            replayedDown_.reset(event.keycode);
+            unmarked_.releaseKey(event.keycode);
+            continue;
+        }
+        if (isModifier(unmarked_.keys(), event.keycode)) {
+            if (!event.isRepeat) {
+                unmarked_.pressKey(event.keycode);
+                replayedDown_.set(event.keycode);
+            }
+            continue;
+        }
+        // Let go of at once: when its real key comes up after the hold, nothing is left to undo.
+        unmarked_.pressKey(event.keycode);
+        unmarked_.releaseKey(event.keycode);
+    }
+    unmarked_.synchronize();
+}
+
+void X11KeyboardHold::pressAgain() {
+    for (std::size_t index = 0; index < downBefore_.size(); ++index) {
+        const auto key = static_cast<std::uint8_t>(index);
+        if (downBefore_[key] && isModifier(unmarked_.keys(), key)) {
+            marked_.pressKey(key);
+            replayedDown_.set(key);
+        }
+        // The carrier holds it for the user from now on, and lets go when the user does.
+        if (replayedDown_[key])
+            poster_.lent_.push_back({key, unmarked_.carrier()});
+    }
+    poster_.hasLent_ = !poster_.lent_.empty();
+    marked_.flush();
+    downBefore_.reset();
+}
+
+} // namespace kelvora

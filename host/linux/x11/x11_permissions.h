@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/linux/x11/x11_connection.h"
+#include "host/permissions.h"
+
+namespace kelvora {
+
+/// What an X server lets this client do: trusted clients may everything; to untrusted and sandboxed
+/// ones the server does not show the extensions that it takes. Main thread only.
+class X11Permissions final : public Permissions {
+public:
+    explicit X11Permissions(XcbConnectionPtr connection) : connection_(std::move(connection)) {}
+
+    /// XTEST is there.
+    [[nodiscard]] bool isAccessibilityTrusted() override;
+    /// RECORD or XInput is there.
+    [[nodiscard]] bool mayListenToEvents() override;
+
+private:
+    [[nodiscard]] bool hasExtension(xcb_extension_t* extension);
+
+    XcbConnectionPtr connection_;
+};
+
+} // namespace kelvora

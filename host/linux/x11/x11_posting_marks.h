@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+
+namespace kelvora {
+
+/// What the poster and the event source of one X server know of each other. The server carries no
+/// user data on events, but RECORD names the client that posted one: events from the poster's
+/// connection carry the mark of the last event that it was given. Any thread.
+class X11PostingMarks {
+public:
+    /// Resource id base of the connection that posts marked events; 0 while there is none.
+    std::atomic<std::uint32_t> markedClient{0};
+    std::atomic<std::int64_t> mark{0};
+    /// The source of the last key press that was not ours: another program's XTEST keys, or a
+    /// keyboard.
+    std::atomic<bool> userTypesThroughXTest{false};
+
+    /// The event source has come to a NoOperation of the marked client.
+    void fencePassed() {
+        const std::lock_guard lock(mutex_);
+        ++passed_;
+        changed_.notify_all();
+    }
+
+    [[nodiscard]] std::uint64_t fencesPassed() {
+        const std::lock_guard lock(mutex_);
+        return passed_;
+    }
+
+    /// Waits until more than `count` fences have passed. False when the time is over before.
+    [[nodiscard]] bool waitForFenceAfter(std::uint64_t count, std::chrono::milliseconds limit) {
+        std::unique_lock lock(mutex_);
+        return changed_.wait_for(lock, limit, [&] { return passed_ > count; });
+    }
+
+    /// Called on the main thread for every key release that was not ours. Set it before listening.
+    std::function<void(std::uint8_t keycode)> onUserKeyRelease;
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::uint64_t passed_ = 0;
+};
+
+} // namespace kelvora

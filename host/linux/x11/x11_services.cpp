@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_services.h"
+
+#include <utility>
+
+namespace kelvora {
+
+std::unique_ptr<X11Services> X11Services::create(const std::string& display, EventLoop& loop,
+                                                 std::function<void()> onServerGone) {
+    std::unique_ptr<X11Services> services(new X11Services);
+    services->onServerGone_ = std::move(onServerGone);
+    XcbConnectionPtr forLayouts = connectX11(display.c_str());
+    XcbConnectionPtr forPermissions = connectX11(display.c_str());
+    if (!forLayouts || !forPermissions)
+        return nullptr;
+    services->inputSources_ = X11InputSources::create(std::move(forLayouts));
+    services->permissions_ = std::make_unique<X11Permissions>(std::move(forPermissions));
+    services->workspace_ =
+        X11Workspace::create(display.c_str(), DesktopEntries(standardApplicationDirectories()));
+    services->eventPoster_ = X11EventPoster::create(display, services->marks_);
+    if (!services->inputSources_ || !services->workspace_ || !services->eventPoster_)
+        return nullptr;
+    X11Services& self = *services;
+    services->eventSource_ = std::make_unique<X11EventSource>(
+        display, loop, services->marks_,
+        X11EventSource::Callbacks{
+            .onFocusChanged = [&self] { self.workspace_->notifyFocusChanged(); },
+            .onServerGone = [&self] { self.reportServerGone(); },
+        });
+    services->layoutWatch_ = loop.watchReadable(self.inputSources_->fileDescriptor(),
+                                                [&self] { self.processLayoutNotices(); });
+    return services;
+}
+
+void X11Services::processLayoutNotices() {
+    inputSources_->processEvents();
+    if (!inputSources_->isConnected()) {
+        layoutWatch_.reset();
+        reportServerGone();
+    }
+}
+
+void X11Services::reportServerGone() {
+    if (const auto callback = std::exchange(onServerGone_, nullptr))
+        callback();
+}
+
+} // namespace kelvora

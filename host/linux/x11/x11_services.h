@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/linux/event_loop.h"
+#include "host/linux/x11/x11_event_poster.h"
+#include "host/linux/x11/x11_event_source.h"
+#include "host/linux/x11/x11_input_sources.h"
+#include "host/linux/x11/x11_permissions.h"
+#include "host/linux/x11/x11_posting_marks.h"
+#include "host/linux/x11/x11_workspace.h"
+#include "host/linux/xkb/key_layout_data.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace kelvora {
+
+/// Every service that one X server gives. Main thread only, but for the poster.
+class X11Services {
+public:
+    /// `onServerGone` is called once, on the main thread. Null when the server cannot be reached or
+    /// lacks XKB or XTEST. The loop outlives the services.
+    [[nodiscard]] static std::unique_ptr<X11Services>
+    create(const std::string& display, EventLoop& loop, std::function<void()> onServerGone);
+
+    [[nodiscard]] EventSource& eventSource() { return *eventSource_; }
+    [[nodiscard]] EventPoster& eventPoster() { return *eventPoster_; }
+    [[nodiscard]] InputSources& inputSources() { return *inputSources_; }
+    [[nodiscard]] KeyTranslator& keyTranslator() { return keyTranslator_; }
+    [[nodiscard]] Workspace& workspace() { return *workspace_; }
+    [[nodiscard]] Permissions& permissions() { return *permissions_; }
+
+private:
+    X11Services() = default;
+    void processLayoutNotices();
+    void reportServerGone();
+
+    X11PostingMarks marks_;
+    KeyLayoutReader keyTranslator_;
+    std::unique_ptr<X11EventSource> eventSource_;
+    std::unique_ptr<X11EventPoster> eventPoster_;
+    std::unique_ptr<X11InputSources> inputSources_;
+    std::unique_ptr<X11Workspace> workspace_;
+    std::unique_ptr<X11Permissions> permissions_;
+    std::function<void()> onServerGone_;
+    std::unique_ptr<DescriptorWatch> layoutWatch_;
+};
+
+} // namespace kelvora
