@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "core/mapping/typed_word_conversion.h"
 
+#include <utility>
+
 #include "core/mapping/physical_layout_mapping.h"
 #include "core/mapping/text_target.h"
 #include "core/text/characters.h"

@@ -20,8 +20,8 @@ enum class CodeUnitTrait : std::uint8_t {
     control = 16,
 };
 
-/// The traits of all 65536 code units, derived once from the Unicode character database. Any
-/// thread.
+/// The traits of all 65536 code units, derived from the Unicode character database on first use,
+/// which takes some milliseconds. Any thread.
 class CodeUnitTraits {
 public:
     static const CodeUnitTraits& table();

@@ -2,6 +2,7 @@
 #include "core/trigger/typed_text_buffer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/text/character_class.h"
 #include "core/text/characters.h"

@@ -231,7 +231,7 @@ DesktopEntries::ScannedDirectory DesktopEntries::look(const fs::path& directory)
     if (!error) {
         const auto age = fs::file_time_type::clock::now() - changed;
         result.changed = changed;
-        result.isRecent = age >= age.zero() && age < timeGranularity;
+        result.isRecent = age >= decltype(age)::zero() && age < timeGranularity;
     }
     return result;
 }

@@ -21,6 +21,11 @@ constexpr std::string_view rulesNamesProperty = "_XKB_RULES_NAMES";
 constexpr std::uint32_t maximumPropertyWords = 4096; // 16 KB; real ones have some 50 bytes
 constexpr int maximumRefreshes = 4;
 
+bool isSameSource(const InputSource& a, const InputSource& b) {
+    return a.id == b.id && a.localizedName == b.localizedName &&
+           *a.keyLayoutData == *b.keyLayoutData;
+}
+
 } // namespace
 
 std::unique_ptr<X11InputSources> X11InputSources::create(XcbConnectionPtr connection) {
@@ -64,6 +69,11 @@ bool X11InputSources::synchronize() {
     // The answer to this request comes after every notice of what happened before it.
     if (!keymap_->synchronizeState())
         return false;
+    catchUp();
+    return isConnected();
+}
+
+void X11InputSources::catchUp() {
     handlePendingEvents();
     // Fetching may bring in notices of further changes; whoever never stops changing is not
     // awaited.
@@ -71,7 +81,6 @@ bool X11InputSources::synchronize() {
         refreshSources();
         handlePendingEvents();
     }
-    return isConnected();
 }
 
 void X11InputSources::handlePendingEvents() {
@@ -85,10 +94,8 @@ void X11InputSources::handlePendingEvents() {
                 rulesNamesAtom_)
             isChanged = areRulesStale_ = true;
     }
-    if (isChanged || keymap_->version() != version) {
+    if (isChanged || keymap_->version() != version)
         areSourcesStale_ = true;
-        isChangePending_ = true;
-    }
 }
 
 void X11InputSources::refreshSources() {
@@ -97,11 +104,16 @@ void X11InputSources::refreshSources() {
     xkb_keymap* keymap = keymap_->keymap();
     areSourcesStale_ = !keymap_->isCurrent();
     std::vector<LayoutName> names = layoutNames(rules_, keymap, registry_);
-    sources_.clear();
+    std::vector<InputSource> sources;
     for (std::size_t group = 0; group < names.size(); ++group)
-        sources_.push_back({true, std::move(names[group].id), std::move(names[group].name),
-                            makeKeyLayoutData(keymap, static_cast<xkb_layout_index_t>(group),
-                                              composeTable_.get())});
+        sources.push_back({true, std::move(names[group].id), std::move(names[group].name),
+                           makeKeyLayoutData(keymap, static_cast<xkb_layout_index_t>(group),
+                                             composeTable_.get())});
+    // The same keymap comes anew with every change between keyboards.
+    if (std::ranges::equal(sources, sources_, isSameSource))
+        return;
+    isChangePending_ = !sources_.empty(); // the first list is no change
+    sources_ = std::move(sources);
 }
 
 void X11InputSources::readRulesNames() {
@@ -125,17 +137,25 @@ std::optional<std::vector<InputSource>> X11InputSources::enabledSources() {
     return sources_;
 }
 
+const InputSource* X11InputSources::activeSource() const {
+    if (sources_.empty())
+        return nullptr;
+    // After a change to fewer groups the server reports the old group until the next key, whose
+    // meaning it takes from the group wrapped into range.
+    return &sources_[keymap_->group() % sources_.size()];
+}
+
 std::optional<InputSource> X11InputSources::currentSource() {
-    if (!synchronize() || keymap_->group() >= sources_.size())
-        return std::nullopt;
-    return sources_[keymap_->group()];
+    const InputSource* active = synchronize() ? activeSource() : nullptr;
+    return active != nullptr ? std::optional(*active) : std::nullopt;
 }
 
 bool X11InputSources::select(const InputSource& source) {
     if (!source.id || !synchronize())
         return false;
     const auto isActive = [&] {
-        return keymap_->group() < sources_.size() && sources_[keymap_->group()].id == source.id;
+        const InputSource* active = activeSource();
+        return active != nullptr && active->id == source.id;
     };
     if (isActive())
         return true;
@@ -160,11 +180,12 @@ int X11InputSources::fileDescriptor() const {
 }
 
 void X11InputSources::processEvents() {
-    handlePendingEvents();
-    if (!isChangePending_)
+    if (!onLayoutsChanged_) {
+        handlePendingEvents(); // what they mean is found out when somebody asks
         return;
-    isChangePending_ = false;
-    if (onLayoutsChanged_ && isConnected())
+    }
+    catchUp();
+    if (std::exchange(isChangePending_, false) && isConnected())
         onLayoutsChanged_();
 }
 

@@ -43,9 +43,12 @@ private:
     [[nodiscard]] bool watchRulesNames();
     /// Brings everything up to date. False when the server is gone.
     [[nodiscard]] bool synchronize();
+    void catchUp();
     void handlePendingEvents();
     void refreshSources();
     void readRulesNames();
+    /// Null when the keymap has no groups. After synchronize().
+    [[nodiscard]] const InputSource* activeSource() const;
 
     XcbConnectionPtr connection_;
     std::unique_ptr<X11Keymap> keymap_;

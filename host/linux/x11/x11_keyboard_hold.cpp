@@ -44,9 +44,10 @@ X11KeyboardHold::~X11KeyboardHold() {
     poster_.keyDown_.reset();
     focus_.reset();
     if (!grabbed_.empty() && unmarked_.synchronize()) {
+        pressHeldModifiers();
         readHeldEvents();
         replayHeldEvents();
-        pressAgain();
+        lendToCarrier();
         ungrabKeyboards();
         // What came between the last look and the end of the grab.
         readHeldEvents();
@@ -132,7 +133,9 @@ bool X11KeyboardHold::settle() {
     {
         const std::lock_guard lock(poster_.mutex_);
         xcb_no_operation(marked_.connection());
-        marked_.flush();
+        // RECORD keeps what it has until the server writes to some client: an answer makes it
+        // write.
+        static_cast<void>(marked_.synchronize());
     }
     return poster_.marks_.waitForFenceAfter(passed, settleLimit);
 }
@@ -166,16 +169,16 @@ void X11KeyboardHold::readHeldEvents() {
 void X11KeyboardHold::replayHeldEvents() {
     for (const HeldEvent& event : std::exchange(events_, {})) {
         if (!event.isPress) {
-            // A key from before the hold has been let go of for the applications already.
-            downBefore_.reset(event.keycode);
-            replayedDown_.reset(event.keycode);
+            down_.reset(event.keycode);
+            std::erase_if(poster_.lent_,
+                          [&](const auto& lent) { return lent.keycode == event.keycode; });
             unmarked_.releaseKey(event.keycode);
             continue;
         }
         if (isModifier(unmarked_.keys(), event.keycode)) {
             if (!event.isRepeat) {
                 unmarked_.pressKey(event.keycode);
-                replayedDown_.set(event.keycode);
+                down_.set(event.keycode);
             }
             continue;
         }
@@ -186,20 +189,25 @@ void X11KeyboardHold::replayHeldEvents() {
     unmarked_.synchronize();
 }
 
-void X11KeyboardHold::pressAgain() {
+void X11KeyboardHold::pressHeldModifiers() {
+    // Marked: the program has not been told that they came up, and must not be told that they go
+    // down again.
     for (std::size_t index = 0; index < downBefore_.size(); ++index) {
         const auto key = static_cast<std::uint8_t>(index);
-        if (downBefore_[key] && isModifier(unmarked_.keys(), key)) {
-            marked_.pressKey(key);
-            replayedDown_.set(key);
-        }
-        // The carrier holds it for the user from now on, and lets go when the user does.
-        if (replayedDown_[key])
-            poster_.lent_.push_back({key, unmarked_.carrier()});
+        if (!downBefore_[key] || !isModifier(marked_.keys(), key))
+            continue;
+        marked_.pressKey(key);
+        down_.set(key);
     }
+    marked_.synchronize();
+}
+
+void X11KeyboardHold::lendToCarrier() {
+    // The carrier holds them for the user from now on, and lets go when the user does.
+    for (std::size_t key = 0; key < down_.size(); ++key)
+        if (down_[key])
+            poster_.lent_.push_back({static_cast<std::uint8_t>(key), unmarked_.carrier()});
     poster_.hasLent_ = !poster_.lent_.empty();
-    marked_.flush();
-    downBefore_.reset();
 }
 
 } // namespace kelvora

@@ -35,7 +35,8 @@ private:
     void undoStickyKeys();
     void readHeldEvents();
     void replayHeldEvents();
-    void pressAgain();
+    void pressHeldModifiers();
+    void lendToCarrier();
 
     struct HeldEvent {
         std::uint8_t keycode;
@@ -50,8 +51,8 @@ private:
     std::optional<X11FocusGuard> focus_;
     std::vector<std::uint16_t> grabbed_;
     std::vector<HeldEvent> events_;
-    X11KeySet downBefore_;   ///< keys down when the hold began that are still held by the user
-    X11KeySet replayedDown_; ///< keys that were pressed in the replay and have not come up yet
+    X11KeySet downBefore_; ///< what the user held when the hold began
+    X11KeySet down_;       ///< modifiers that the carrier holds for the user at the end
 };
 
 } // namespace kelvora

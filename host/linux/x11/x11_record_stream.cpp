@@ -125,8 +125,11 @@ bool X11RecordStream::enable() {
     if (enabled_)
         return true;
     sequence_ = xcb_record_enable_context(data_.get(), context_).sequence;
-    xcb_flush(data_.get());
-    enabled_ = xcb_connection_has_error(data_.get()) == 0;
+    // The first answer says that everything from here on is seen.
+    xcb_generic_error_t* rawError = nullptr;
+    const XcbPtr<void> started(xcb_wait_for_reply(data_.get(), sequence_, &rawError));
+    const XcbPtr<xcb_generic_error_t> error(rawError);
+    enabled_ = started != nullptr;
     return enabled_;
 }
 

@@ -58,7 +58,7 @@ public:
                                                                  X11RecordListener& listener);
     ~X11RecordStream();
 
-    /// Starts the stream. False when the server refuses.
+    /// Starts the stream; waits until it runs. False when the server refuses.
     [[nodiscard]] bool enable();
     /// Ends the stream; what is under way is dropped.
     void disable();

@@ -176,8 +176,7 @@ void KeyInterpreter::setKeymap(xkb_keymap* keymap) {
 }
 
 void KeyInterpreter::reset() {
-    std::fill(std::begin(held_), std::end(held_), EventFlags{0});
-    rightShift_.reset();
+    held_.fill(0);
     if (compose_)
         xkb_compose_state_reset(compose_.get());
 }
@@ -194,14 +193,15 @@ EventFlags KeyInterpreter::flagsFor(std::uint8_t modifiers) const {
         flags |= eventFlag::option;
     if ((modifiers & roles_.command) != 0)
         flags |= eventFlag::command;
-    for (std::size_t key = 0; key < std::size(held_); ++key)
+    for (std::size_t key = 0; key < held_.size(); ++key)
         if (held_[key] == eventFlag::shift)
-            flags |= rightShift_[key] ? eventFlag::rightShiftDevice : eventFlag::leftShiftDevice;
+            flags |= heldKeyCode_[key] == keyCode::rightShift ? eventFlag::rightShiftDevice
+                                                              : eventFlag::leftShiftDevice;
     return flags;
 }
 
 bool KeyInterpreter::isHeld(EventFlags bit, xkb_keycode_t except) const {
-    for (xkb_keycode_t key = 0; key < std::size(held_); ++key)
+    for (xkb_keycode_t key = 0; key < held_.size(); ++key)
         if (held_[key] == bit && key != except)
             return true;
     return false;
@@ -218,25 +218,24 @@ EventFlags KeyInterpreter::flagsAfterChange(const RawKey& key, EventFlags bit) {
 }
 
 std::optional<InputEvent> KeyInterpreter::interpret(const RawKey& key) {
-    if (!keymap_ || key.keycode >= std::size(held_))
+    if (!keymap_ || key.keycode >= held_.size())
         return std::nullopt;
     const std::string_view name = keyNameOf(keymap_.get(), key.keycode);
     // A key that went down as a modifier comes up as one, whatever the keymap says by then.
     const xkb_keysym_t base = baseKeysym(keymap_.get(), key.keycode, key.group);
     InputEvent event;
+    const EventFlags heldBit = held_[key.keycode];
+    if (!key.isPress && heldBit != 0) {
+        event.type = EventType::flagsChanged;
+        event.keyCode = heldKeyCode_[key.keycode];
+        event.flags = flagsAfterChange(key, heldBit);
+        return event;
+    }
     if (const auto modifier = modifierKey(base, name)) {
         event.type = EventType::flagsChanged;
         event.keyCode = modifier->keyCode;
-        rightShift_[key.keycode] = modifier->keyCode == keyCode::rightShift;
+        heldKeyCode_[key.keycode] = modifier->keyCode;
         event.flags = flagsAfterChange(key, modifier->flag);
-        return event;
-    }
-    if (!key.isPress && held_[key.keycode] != 0) {
-        const EventFlags bit = held_[key.keycode];
-        event.type = EventType::flagsChanged;
-        if (bit == eventFlag::shift)
-            event.keyCode = rightShift_[key.keycode] ? keyCode::rightShift : keyCode::leftShift;
-        event.flags = flagsAfterChange(key, bit);
         return event;
     }
     xkb_state_update_mask(state_.get(), key.modifiers, 0, 0, 0, 0, key.group);

@@ -4,7 +4,7 @@
 #include "host/input_event.h"
 #include "host/linux/xkb/handles.h"
 
-#include <bitset>
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -56,8 +56,8 @@ private:
     XkbComposeStatePtr compose_;
     ModifierRoles roles_;
     /// The flag bit that each key now down stands for; 0 for keys that are up or no modifiers.
-    EventFlags held_[256] = {};
-    std::bitset<256> rightShift_;
+    std::array<EventFlags, 256> held_{};
+    std::array<KeyCode, 256> heldKeyCode_{}; ///< what each of them was called when it went down
 };
 
 } // namespace kelvora

@@ -86,6 +86,15 @@ std::optional<std::string> LayoutRegistry::description(const std::string& id) {
     return found->second;
 }
 
+std::optional<std::string> LayoutRegistry::idOf(const std::string& description) {
+    if (!isLoaded_)
+        load();
+    const auto found = ids_.find(description);
+    if (found == ids_.end())
+        return std::nullopt;
+    return found->second;
+}
+
 void LayoutRegistry::load() {
     isLoaded_ = true;
     const std::unique_ptr<rxkb_context, RegistryDeleter> context(
@@ -98,11 +107,13 @@ void LayoutRegistry::load() {
     for (rxkb_layout* layout = rxkb_layout_first(context.get()); layout != nullptr;
          layout = rxkb_layout_next(layout)) {
         const char* variant = rxkb_layout_get_variant(layout);
-        std::string description = sanitized(rxkb_layout_get_description(layout));
-        if (!description.empty())
-            descriptions_.try_emplace(
-                layoutId({rxkb_layout_get_name(layout), variant != nullptr ? variant : ""}),
-                std::move(description));
+        const std::string description = sanitized(rxkb_layout_get_description(layout));
+        if (description.empty())
+            continue;
+        const std::string id =
+            layoutId({rxkb_layout_get_name(layout), variant != nullptr ? variant : ""});
+        descriptions_.try_emplace(id, description);
+        ids_.try_emplace(description, id);
     }
 }
 
@@ -120,7 +131,7 @@ std::vector<LayoutName> layoutNames(const RulesNames& rules, xkb_keymap* keymap,
             name.name =
                 registry.description(*name.id).value_or(groupName.empty() ? *name.id : groupName);
         } else if (!groupName.empty()) {
-            name.id = groupName;
+            name.id = registry.idOf(groupName).value_or(groupName);
             name.name = std::move(groupName);
         }
         names.push_back(std::move(name));

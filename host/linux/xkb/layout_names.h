@@ -39,21 +39,26 @@ struct LayoutName {
     friend bool operator==(const LayoutName&, const LayoutName&) = default;
 };
 
-/// The display names of xkeyboard-config's layouts, read when first asked for. One thread.
+/// xkeyboard-config's layouts and their display names, read when first asked for. One thread.
 class LayoutRegistry {
 public:
     /// In English, as in "Russian (phonetic)". Absent for ids that the registry does not know.
     [[nodiscard]] std::optional<std::string> description(const std::string& id);
 
+    /// The first layout of that description.
+    [[nodiscard]] std::optional<std::string> idOf(const std::string& description);
+
 private:
     void load();
 
-    std::map<std::string, std::string> descriptions_;
+    std::map<std::string, std::string> descriptions_; ///< by id
+    std::map<std::string, std::string> ids_;          ///< by description
     bool isLoaded_ = false;
 };
 
 /// One name for each group of the keymap. When `rules` do not describe this keymap (it was loaded
-/// from elsewhere), the names that the keymap itself gives its groups are the identifiers.
+/// from elsewhere, or they are still those of the keymap before it), the keymap's own names of its
+/// groups tell the layouts: by their description, or else as they stand.
 [[nodiscard]] std::vector<LayoutName> layoutNames(const RulesNames& rules, xkb_keymap* keymap,
                                                   LayoutRegistry& registry);
 

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "tests/host/x11/x11_rig.h"
+#include "tests/support/real_desktop/keyboard_state.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace kelvora {
+namespace {
+
+using namespace contract;
+using real::KeySource;
+using real::readKeyboardState;
+
+class X11Hold : public testing::TestWithParam<KeySource> {
+protected:
+    X11Hold() {
+        rig.keyboard().setSource(GetParam());
+        tap->setEnabled(true);
+        // The hold is made for the user who typed last.
+        rig.strike(keyQ);
+        EXPECT_TRUE(rig.textBecomes(u"q"));
+        EXPECT_TRUE(rig.becomes([&] { return recorded == u"q"; }));
+    }
+    void begin() {
+        const FocusTarget target = rig.services().workspace.focusTarget();
+        rig.onWorker([&] {
+            hold = rig.services().eventPoster.holdKeyboard(target);
+            EXPECT_TRUE(hold->settle());
+        });
+    }
+    void post(std::u16string_view text) {
+        rig.onWorker([&] {
+            auto event = rig.services().eventPoster.createKeyEvent(0, KeyDirection::down);
+            event->text = EventText(text);
+            event->sourceUserData = 1;
+            rig.services().eventPoster.post(*event);
+        });
+    }
+    void end() {
+        hold.reset();
+        rig.rest();
+    }
+
+    X11Rig rig;
+    std::u16string recorded; ///< the user's text as the tap delivers it
+    std::unique_ptr<EventTap> tap = rig.services().eventSource.createTap(
+        eventMaskBit(EventType::keyDown), [this](const InputEvent& event) {
+            if (event.sourceUserData == 0)
+                recorded += event.text.view();
+        });
+    std::unique_ptr<KeyboardHold> hold;
+};
+
+TEST_P(X11Hold, ShiftThatIsHeldThroughoutGoesOnToShift) {
+    rig.press(keyCode::leftShift);
+    rig.rest();
+    begin();
+    post(u"ab");
+    rig.strike(keyW);
+    EXPECT_TRUE(rig.textBecomes(u"qab")) << "neither shifted nor mixed with the user's key";
+    end();
+    EXPECT_TRUE(rig.textBecomes(u"qabW"));
+    rig.strike(keyW);
+    EXPECT_TRUE(rig.textBecomes(u"qabWW"));
+    rig.release(keyCode::leftShift);
+    rig.strike(keyW);
+    EXPECT_TRUE(rig.textBecomes(u"qabWWw"));
+    EXPECT_TRUE(rig.becomes([&] { return recorded == u"qWWw"; }));
+    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
+    // Nothing was left down on the keyboard that stood in for the user's.
+    rig.keyboard().setSource(KeySource::synthetic);
+    rig.press(keyCode::leftShift);
+    rig.strike(keyW);
+    rig.release(keyCode::leftShift);
+    rig.strike(keyW);
+    EXPECT_TRUE(rig.textBecomes(u"qabWWwWw"));
+}
+
+TEST_P(X11Hold, ShiftThatComesUpMeanwhileIsNotStuck) {
+    rig.press(keyCode::leftShift);
+    rig.rest();
+    begin();
+    post(u"ab");
+    rig.release(keyCode::leftShift);
+    rig.strike(keyW);
+    end();
+    EXPECT_TRUE(rig.textBecomes(u"qabw"));
+    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
+}
+
+TEST_P(X11Hold, ShiftThatGoesDownMeanwhileHolds) {
+    begin();
+    post(u"ab");
+    rig.press(keyCode::leftShift);
+    rig.strike(keyW);
+    end();
+    rig.strike(keyQ);
+    rig.release(keyCode::leftShift);
+    rig.strike(keyQ);
+    EXPECT_TRUE(rig.textBecomes(u"qabWQq"));
+    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
+}
+
+TEST_P(X11Hold, KeysThatGoDownBeforeAndComeUpAfter) {
+    rig.press(keyW);
+    EXPECT_TRUE(rig.textBecomes(u"qw"));
+    begin();
+    post(u"ab");
+    rig.release(keyW);
+    rig.press(keyQ);
+    end();
+    rig.release(keyQ);
+    rig.strike(keyW);
+    EXPECT_TRUE(rig.textBecomes(u"qwabqw"));
+    EXPECT_TRUE(rig.becomes([&] { return recorded == u"qwqw"; }));
+    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
+}
+
+TEST_P(X11Hold, FocusTakenInTheMiddleGoesBackForTheRest) {
+    begin();
+    post(u"ab");
+    rig.focusOtherEditor();
+    rig.rest();
+    post(u"cd");
+    rig.strike(keyW);
+    end();
+    EXPECT_TRUE(rig.textBecomes(u"qabcd")) << "a correction is finished where it began";
+    EXPECT_TRUE(rig.becomes([&] { return rig.otherText() == u"w"; }))
+        << "whoever took the focus has it again, and the user's keys go there";
+}
+
+INSTANTIATE_TEST_SUITE_P(Sources, X11Hold,
+                         testing::Values(KeySource::physical, KeySource::synthetic),
+                         [](const auto& source) {
+                             return source.param == KeySource::physical ? "Physical" : "Synthetic";
+                         });
+
+} // namespace
+} // namespace kelvora

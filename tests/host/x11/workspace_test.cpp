@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_workspace.h"
+
+#include "tests/support/real_desktop/wait_until.h"
+#include "tests/support/real_desktop/x_server.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <unistd.h>
+
+namespace kelvora {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_view_literals;
+
+/// Another program of the session, and the window manager where one is needed.
+class Client {
+public:
+    explicit Client(const std::string& display) : connection_(connectX11(display.c_str())) {
+        root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_.get())).data->root;
+    }
+
+    [[nodiscard]] xcb_window_t root() const { return root_; }
+    /// A visible window, 100 by 100 pixels, at the same place both ways.
+    xcb_window_t window(xcb_window_t parent, std::int16_t place = 0) {
+        const xcb_window_t window = xcb_generate_id(connection_.get());
+        xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, window, parent, place, place,
+                          100, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0,
+                          nullptr);
+        xcb_map_window(connection_.get(), window);
+        return window;
+    }
+    void set(xcb_window_t window, std::string_view property, std::string_view bytes,
+             xcb_atom_t type = XCB_ATOM_STRING) {
+        change(window, atom(property), type, 8, bytes.size(), bytes.data());
+    }
+    void set(xcb_window_t window, std::string_view property, xcb_atom_t type,
+             std::initializer_list<std::uint32_t> items) {
+        change(window, atom(property), type, 32, items.size(), items.begin());
+    }
+    void focus(xcb_window_t window) {
+        xcb_set_input_focus(connection_.get(), XCB_INPUT_FOCUS_NONE, window, XCB_CURRENT_TIME);
+        sync();
+    }
+    void movePointer(std::int16_t x, std::int16_t y) {
+        xcb_warp_pointer(connection_.get(), XCB_NONE, root_, 0, 0, 0, 0, x, y);
+        sync();
+    }
+    void destroy(xcb_window_t window) {
+        xcb_destroy_window(connection_.get(), window);
+        sync();
+    }
+    xcb_atom_t atom(std::string_view name) {
+        const XcbPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+            connection_.get(),
+            xcb_intern_atom(connection_.get(), 0, static_cast<std::uint16_t>(name.size()),
+                            name.data()),
+            nullptr));
+        return reply->atom;
+    }
+
+private:
+    void change(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, std::uint8_t format,
+                std::size_t length, const void* data) {
+        xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, window, property, type,
+                            format, static_cast<std::uint32_t>(length), data);
+        sync();
+    }
+    void sync() {
+        const XcbPtr<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(
+            connection_.get(), xcb_get_input_focus(connection_.get()), nullptr));
+    }
+
+    XcbConnectionPtr connection_;
+    xcb_window_t root_ = XCB_NONE;
+};
+
+class WorkspaceTest : public testing::Test {
+protected:
+    WorkspaceTest() {
+        std::string name = (fs::temp_directory_path() / "workspace-XXXXXX").string();
+        directory_ = mkdtemp(name.data());
+        std::ofstream(directory_ / "org.maker.Editor.desktop")
+            << "[Desktop Entry]\nType=Application\nName=E\nStartupWMClass=Editor\n";
+        std::ofstream(directory_ / "org.maker.Shell.desktop")
+            << "[Desktop Entry]\nType=Application\nName=S\nCategories=TerminalEmulator;\n"
+            << "Exec=" << fs::read_symlink("/proc/self/exe").string() << "\n";
+        workspace_ = X11Workspace::create(server_.display().c_str(), DesktopEntries({directory_}));
+    }
+    ~WorkspaceTest() override { fs::remove_all(directory_); }
+
+    /// "identifier/kind/pid"; "none" when no application has the focus.
+    std::string frontmost() {
+        const auto application = workspace_->frontmostApplication();
+        if (!application)
+            return "none";
+        const std::string kind = application->kind == ApplicationKind::terminal      ? "terminal"
+                                 : application->kind == ApplicationKind::noSelectAll ? "noSelectAll"
+                                                                                     : "ordinary";
+        return application->bundleIdentifier.value_or("unknown") + "/" + kind + "/" +
+               std::to_string(application->processIdentifier);
+    }
+    xcb_window_t focusedWindow() { return static_cast<xcb_window_t>(workspace_->focusTarget().id); }
+
+    real::XServer server_;
+    Client client_{server_.display()};
+    fs::path directory_;
+    std::unique_ptr<X11Workspace> workspace_;
+};
+
+TEST_F(WorkspaceTest, ReportsTheApplicationOfTheFocusWindow) {
+    const xcb_window_t frame = client_.window(client_.root());
+    const xcb_window_t top = client_.window(frame);
+    const xcb_window_t field = client_.window(top);
+    client_.set(frame, "WM_CLASS", "frame\0Frame\0"sv);
+    client_.set(top, "WM_CLASS", "main\0Editor\0"sv);
+    client_.set(top, "_NET_WM_PID", XCB_ATOM_CARDINAL, {4'000'000});
+    for (const xcb_window_t window : {top, field}) {
+        client_.focus(window);
+        EXPECT_EQ(frontmost(), "org.maker.Editor/ordinary/4000000");
+        EXPECT_EQ(focusedWindow(), window);
+    }
+
+    client_.set(top, "WM_CLASS", "xterm\0XTerm\0"sv);
+    EXPECT_EQ(frontmost(), "xterm/terminal/4000000");
+    client_.set(top, "_GTK_APPLICATION_ID", "org.maker.Editor", client_.atom("UTF8_STRING"));
+    EXPECT_EQ(frontmost(), "org.maker.Editor/terminal/4000000");
+
+    const xcb_window_t icons = client_.window(client_.root());
+    client_.set(icons, "WM_CLASS", "icons\0Icons\0"sv);
+    client_.set(
+        icons, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
+        {client_.atom("_NET_WM_WINDOW_TYPE_NORMAL"), client_.atom("_NET_WM_WINDOW_TYPE_DESKTOP")});
+    client_.focus(icons);
+    EXPECT_EQ(frontmost(), "icons/noSelectAll/0");
+}
+
+TEST_F(WorkspaceTest, KnowsTheProgramOfAProcessOnThisMachineOnly) {
+    const auto self = static_cast<std::uint32_t>(getpid());
+    const std::string known = "org.maker.Shell/terminal/" + std::to_string(self);
+    char host[256] = {};
+    ASSERT_EQ(gethostname(host, sizeof host - 1), 0);
+    const xcb_window_t window = client_.window(client_.root());
+    client_.set(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, {self});
+    client_.focus(window);
+    EXPECT_EQ(frontmost(), known);
+    client_.set(window, "WM_CLIENT_MACHINE", std::string(host) + ".example.org");
+    EXPECT_EQ(frontmost(), known);
+    client_.set(window, "WM_CLIENT_MACHINE", "elsewhere.example.org");
+    EXPECT_EQ(frontmost(), "unknown/ordinary/0");
+}
+
+TEST_F(WorkspaceTest, FallsBackToTheActiveWindow) {
+    const xcb_window_t editor = client_.window(client_.root());
+    client_.set(editor, "WM_CLASS", "main\0Editor\0"sv);
+    const xcb_window_t nameless = client_.window(client_.root());
+    client_.set(client_.root(), "WM_CLASS", "manager\0Manager\0"sv);
+    client_.focus(nameless);
+    EXPECT_EQ(frontmost(), "unknown/ordinary/0");
+    client_.set(client_.root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW, {editor});
+    EXPECT_EQ(frontmost(), "org.maker.Editor/ordinary/0");
+    EXPECT_EQ(focusedWindow(), nameless);
+
+    client_.focus(XCB_NONE);
+    EXPECT_EQ(frontmost(), "org.maker.Editor/ordinary/0");
+    EXPECT_EQ(focusedWindow(), XCB_NONE);
+    client_.destroy(editor);
+    EXPECT_EQ(frontmost(), "none");
+    client_.focus(nameless);
+    EXPECT_EQ(frontmost(), "unknown/ordinary/0");
+    // A window manager with nothing to focus focuses a nameless window of its own.
+    client_.set(client_.root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {nameless});
+    EXPECT_EQ(frontmost(), "none");
+}
+
+TEST_F(WorkspaceTest, FollowsThePointerWhereTheFocusDoes) {
+    const xcb_window_t frame = client_.window(client_.root(), 200);
+    const xcb_window_t top = client_.window(frame, 10);
+    client_.window(top, 10);
+    client_.set(top, "WM_CLASS", "main\0Editor\0"sv);
+    for (const xcb_window_t focus :
+         {xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}, client_.root(), frame}) {
+        client_.focus(focus);
+        client_.movePointer(250, 250);
+        EXPECT_EQ(frontmost(), "org.maker.Editor/ordinary/0");
+        client_.movePointer(205, 205);
+        EXPECT_EQ(frontmost(), focus == client_.root() ? "none" : "unknown/ordinary/0");
+        client_.movePointer(5, 5);
+        EXPECT_EQ(frontmost(), focus == frame ? "unknown/ordinary/0" : "none");
+    }
+    client_.focus(XCB_INPUT_FOCUS_POINTER_ROOT);
+    EXPECT_EQ(focusedWindow(), XCB_NONE);
+    client_.movePointer(250, 250);
+    EXPECT_EQ(focusedWindow(), frame);
+}
+
+TEST_F(WorkspaceTest, TakesAnyPropertyValue) {
+    struct Case {
+        std::string_view name;
+        std::string windowClass;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {"no NUL", "Only", "only/ordinary/0"},
+        {"one NUL", std::string("only\0", 5), "only/ordinary/0"},
+        {"no NUL at the end", std::string("main\0Editor", 11), "org.maker.Editor/ordinary/0"},
+        {"three strings", std::string("main\0Editor\0more\0", 17), "org.maker.Editor/ordinary/0"},
+        {"no instance", std::string("\0Editor\0", 8), "org.maker.Editor/ordinary/0"},
+        {"no UTF-8", std::string("x\0\xff\xc3\0", 5), "\xEF\xBF\xBD\xEF\xBF\xBD/ordinary/0"},
+        {"only NULs", std::string(5, '\0'), "unknown/ordinary/0"},
+        {"empty", "", "unknown/ordinary/0"},
+        {"huge", std::string(200'000, 'x'), "unknown/ordinary/0"},
+    };
+    const xcb_window_t window = client_.window(client_.root());
+    client_.focus(window);
+    for (const Case& c : cases) {
+        client_.set(window, "WM_CLASS", c.windowClass);
+        EXPECT_EQ(frontmost(), c.expected) << c.name;
+    }
+
+    client_.set(window, "WM_CLASS", XCB_ATOM_STRING, {1, 2, 3});
+    client_.set(window, "_NET_WM_PID", "1234", XCB_ATOM_CARDINAL);
+    client_.set(client_.root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_CARDINAL, {window});
+    EXPECT_EQ(frontmost(), "unknown/ordinary/0");
+
+    client_.set(window, "WM_CLASS", "main\0Editor\0"sv);
+    for (const std::uint32_t process : {0U, 0x80000000U, 0xffffffffU}) {
+        client_.set(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, {process});
+        client_.set(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {});
+        EXPECT_EQ(frontmost(), "org.maker.Editor/ordinary/0") << process;
+    }
+}
+
+TEST_F(WorkspaceTest, SurvivesWindowsThatVanishWhileItLooks) {
+    std::atomic<bool> isEnough = false;
+    std::thread other([&] {
+        Client client(server_.display());
+        while (!isEnough) {
+            const xcb_window_t top = client.window(client.root());
+            client.set(top, "WM_CLASS", "main\0Editor\0"sv);
+            client.focus(client.window(top));
+            client.destroy(top);
+        }
+    });
+    std::map<std::string, int> answers;
+    EXPECT_TRUE(real::waitUntil(
+        [&] {
+            ++answers[frontmost()];
+            return answers["none"] > 500 && answers["org.maker.Editor/ordinary/0"] > 0;
+        },
+        real::defaultDeadline, std::chrono::microseconds(0)));
+    isEnough = true;
+    other.join();
+    // Gone between being found and being described; or its class was not read any more.
+    answers.erase("unknown/ordinary/0");
+    answers.erase("none");
+    EXPECT_EQ(answers.size(), 1U);
+}
+
+TEST_F(WorkspaceTest, KnowsNothingOnceTheServerIsGone) {
+    const xcb_window_t window = client_.window(client_.root());
+    client_.set(window, "WM_CLASS", "main\0Editor\0"sv);
+    client_.focus(window);
+    server_.kill();
+    EXPECT_EQ(frontmost(), "none");
+    EXPECT_EQ(workspace_->focusTarget(), FocusTarget{});
+    EXPECT_EQ(X11Workspace::create(server_.display().c_str(), DesktopEntries({})), nullptr);
+}
+
+TEST_F(WorkspaceTest, PassesTheNoticeOn) {
+    workspace_->notifyFocusChanged();
+    int notices = 0;
+    workspace_->setOnFocusChanged([&] { ++notices; });
+    workspace_->notifyFocusChanged();
+    EXPECT_EQ(notices, 1);
+    workspace_->setOnFocusChanged(nullptr);
+    workspace_->notifyFocusChanged();
+    EXPECT_EQ(notices, 1);
+}
+
+} // namespace
+} // namespace kelvora

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/desktop.h"
+#include "tests/support/fake_desktop/event_hub.h"
+#include "tests/support/fake_desktop/keyboard.h"
+#include "tests/support/fake_desktop/layouts.h"
+#include "tests/support/fake_desktop/recording_log.h"
+#include "tests/support/fake_desktop/scheduler.h"
+#include "tests/support/fake_desktop/windows.h"
+
+#include <functional>
+#include <string_view>
+
+namespace kelvora::fake {
+
+class GrantedPermissions final : public Permissions {
+public:
+    bool accessibility = true;
+    bool inputMonitoring = true;
+
+    [[nodiscard]] bool isAccessibilityTrusted() override { return accessibility; }
+    [[nodiscard]] bool mayListenToEvents() override { return inputMonitoring; }
+};
+
+/// A whole session in memory, in virtual time: an editor with the focus, US and Russian layouts,
+/// and a user whose fingers the test moves.
+class FakeDesktop {
+public:
+    FakeDesktop();
+
+    /// Seconds from one key to the next, and from a key's press to its release.
+    static constexpr double typingPause = 0.08;
+    static constexpr double tapLength = 0.04;
+
+    Scheduler scheduler;
+    RecordingLog log;
+    EventHub events{scheduler};
+    Layouts layouts;
+    Translator translator;
+    Windows windows;
+    Keyboard keyboard{scheduler, events, layouts, windows};
+    GrantedPermissions permissions;
+
+    [[nodiscard]] Desktop services();
+
+    // What the user does, taking a user's time. Labels are those of a US board, whatever the active
+    // layout makes of the keys.
+    void type(std::u16string_view labels);
+    void tap(KeyCode keyCode);
+    /// Two taps of Shift; the last key goes up at the moment of return.
+    void doubleShift(KeyCode first = keyCode::leftShift, KeyCode second = keyCode::leftShift);
+
+    /// A key struck at once, for keys at given times: `at(0.03, [&] { strike(u'x'); })`.
+    void strike(char16_t label);
+    void at(double delay, std::function<void()> event) { scheduler.at(delay, std::move(event)); }
+    void run() { scheduler.run(); }
+    void runFor(double seconds) { scheduler.runFor(seconds); }
+};
+
+} // namespace kelvora::fake

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/fake_desktop/windows.h"
+
+#include "core/text/characters.h"
+
+namespace kelvora::fake {
+
+void TextField::receive(const InputEvent& event) {
+    if ((event.flags & (eventFlag::control | eventFlag::command)) != 0) {
+        return;
+    }
+    if (!event.text.empty()) {
+        text_.insert(caret_, event.text.view());
+        caret_ += event.text.view().size();
+        return;
+    }
+    CharacterSegmenter characters(text_);
+    if (event.keyCode == keyCode::backspace && caret_ > 0) {
+        const std::size_t previous = characters.previous(caret_);
+        text_.erase(previous, caret_ - previous);
+        caret_ = previous;
+    } else if (event.keyCode == keyCode::leftArrow && caret_ > 0) {
+        caret_ = characters.previous(caret_);
+    } else if (event.keyCode == keyCode::rightArrow && caret_ < text_.size()) {
+        caret_ = characters.next(caret_);
+    }
+}
+
+void Windows::focus(std::uint64_t window) {
+    focused_ = window;
+    focusChanged();
+}
+
+void Windows::setGrabbed(bool grabbed) {
+    grabbed_ = grabbed;
+    focusChanged();
+}
+
+TextField* Windows::focusedField() {
+    return focused_ == 0 || grabbed_ ? nullptr : &fields_[focused_];
+}
+
+std::optional<FrontmostApplication> Windows::frontmostApplication() {
+    const auto application = applications.find(focused_);
+    return application == applications.end() ? std::nullopt : std::optional(application->second);
+}
+
+void Windows::focusChanged() {
+    notifyInOrder([this] {
+        if (onFocusChanged_) {
+            onFocusChanged_();
+        }
+    });
+}
+
+} // namespace kelvora::fake

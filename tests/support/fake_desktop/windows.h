@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/input_event.h"
+#include "host/workspace.h"
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace kelvora::fake {
+
+/// The text of one window, with its caret, as an ordinary editor keeps it.
+class TextField {
+public:
+    /// A key went down in the window, and types `event.text` if it types anything.
+    void receive(const InputEvent& event);
+
+    [[nodiscard]] const std::u16string& text() const { return text_; }
+
+private:
+    std::u16string text_;
+    std::size_t caret_ = 0; // UTF-16 units
+};
+
+/// The windows of the session, each an application of its own, and the focus.
+class Windows final : public Workspace {
+public:
+    static constexpr std::uint64_t editor = 1; ///< what has the focus at first
+    static constexpr std::uint64_t otherEditor = 2;
+
+    /// How a notice of the focus reaches the main thread: in order with the events of the tap.
+    std::function<void(std::function<void()>)> notifyInOrder;
+
+    std::map<std::uint64_t, FrontmostApplication> applications{
+        {editor, {.bundleIdentifier = "org.example.editor"}},
+        {otherEditor, {.bundleIdentifier = "org.example.other"}},
+    };
+
+    /// 0: nothing has the focus.
+    void focus(std::uint64_t window);
+    /// Another client takes the whole keyboard, as a locker does, or gives it back.
+    void setGrabbed(bool grabbed);
+    [[nodiscard]] bool isGrabbed() const { return grabbed_; }
+
+    /// Where keys go now; null when they go nowhere.
+    [[nodiscard]] TextField* focusedField();
+    [[nodiscard]] std::u16string text(std::uint64_t window = editor) {
+        return fields_[window].text();
+    }
+
+    [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override;
+    [[nodiscard]] FocusTarget focusTarget() override { return {focused_}; }
+    void setOnFocusChanged(std::function<void()> handler) override {
+        onFocusChanged_ = std::move(handler);
+    }
+
+private:
+    void focusChanged();
+
+    std::map<std::uint64_t, TextField> fields_;
+    std::uint64_t focused_ = editor;
+    bool grabbed_ = false;
+    std::function<void()> onFocusChanged_;
+};
+
+} // namespace kelvora::fake
