@@ -76,7 +76,7 @@ struct InputEvent {
     double timestamp = 0;
     /// What the key types; from a tap at most 8 units. Empty for dead keys and for keys that type
     /// nothing.
-    EventText text;
+    EventText text{};
 
     friend bool operator==(const InputEvent&, const InputEvent&) = default;
 };

@@ -79,6 +79,8 @@ void X11EventTap::processRecord() {
 void X11EventTap::processNotices() {
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
         keymap_->handleEvent(event.get());
+    // Here and not where keys are handled: it may have to ask the server.
+    interpreter_.setKeymap(keymap_->keymap());
     focus_.processReplies();
     if (xcb_connection_has_error(connection_.get()) != 0)
         noticeWatch_.reset();
@@ -122,7 +124,6 @@ void X11EventTap::onNoOperation(std::uint32_t client) {
 }
 
 void X11EventTap::deliverKey(const X11DeviceEvent& event, bool isOurs) {
-    interpreter_.setKeymap(keymap_->keymap());
     const auto interpreted =
         interpreter_.interpret({.keycode = event.detail,
                                 .isPress = event.isPress,

@@ -36,7 +36,8 @@ XkbKeymapPtr fetchKeymap(xkb_context* context, xcb_connection_t* connection,
 
 } // namespace
 
-std::unique_ptr<X11Keymap> X11Keymap::create(xcb_connection_t* connection) {
+std::unique_ptr<X11Keymap> X11Keymap::create(xcb_connection_t* connection,
+                                             X11StateNotices notices) {
     std::uint8_t firstEvent = 0;
     if (xkb_x11_setup_xkb_extension(
             connection, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
@@ -49,7 +50,7 @@ std::unique_ptr<X11Keymap> X11Keymap::create(xcb_connection_t* connection) {
         return nullptr;
     xkb_context_set_log_level(context.get(), XKB_LOG_LEVEL_CRITICAL);
     std::unique_ptr<X11Keymap> keymap(new X11Keymap(connection, std::move(context), firstEvent,
-                                                    static_cast<std::uint16_t>(deviceId)));
+                                                    static_cast<std::uint16_t>(deviceId), notices));
     // Selected before the first look, so that no change falls in between.
     keymap->selectEvents();
     keymap->keymap_ = fetchKeymap(keymap->context_.get(), connection, keymap->deviceId_);
@@ -59,16 +60,16 @@ std::unique_ptr<X11Keymap> X11Keymap::create(xcb_connection_t* connection) {
 }
 
 X11Keymap::X11Keymap(xcb_connection_t* connection, XkbContextPtr context, std::uint8_t firstEvent,
-                     std::uint16_t deviceId)
+                     std::uint16_t deviceId, X11StateNotices notices)
     : connection_(connection), context_(std::move(context)), deviceId_(deviceId),
-      firstEvent_(firstEvent) {}
+      firstEvent_(firstEvent), notices_(notices) {}
 
 void X11Keymap::selectEvents() {
     xcb_xkb_select_events_details_t details{};
     details.affectNewKeyboard = newKeyboardDetails;
     details.newKeyboardDetails = newKeyboardDetails;
     details.affectState = stateParts;
-    details.stateDetails = stateParts;
+    details.stateDetails = notices_ == X11StateNotices::all ? stateParts : std::uint16_t{0};
     details.affectNames = nameParts;
     details.namesDetails = nameParts;
     constexpr std::uint16_t which =

@@ -22,6 +22,10 @@ struct X11KeyboardState {
     friend bool operator==(const X11KeyboardState&, const X11KeyboardState&) = default;
 };
 
+/// Whether a connection is told of every change of the modifiers and the group. Only for those that
+/// are read all the time: the server keeps what is not.
+enum class X11StateNotices { none, all };
+
 /// The core keyboard's keymap and state on one connection, kept in step by that connection's XKB
 /// notices. The core keyboard takes over the keymap of whichever keyboard was used last, so several
 /// keyboards are followed too. One thread: the one that reads the connection.
@@ -29,7 +33,8 @@ class X11Keymap {
 public:
     /// Selects the XKB notices on `connection`, which must outlive the object and stays the
     /// caller's. Null when the server has no XKB or no keyboard.
-    [[nodiscard]] static std::unique_ptr<X11Keymap> create(xcb_connection_t* connection);
+    [[nodiscard]] static std::unique_ptr<X11Keymap>
+    create(xcb_connection_t* connection, X11StateNotices notices = X11StateNotices::none);
 
     /// True when the event was an XKB event, and then it is used up. Neither allocates nor asks the
     /// server.
@@ -45,6 +50,7 @@ public:
     /// False while keymap() is, or will be, older than the last notice of a change.
     [[nodiscard]] bool isCurrent() const { return !stale_; }
 
+    /// As of the last synchronizeState(), or, with all notices, of the last handled event.
     [[nodiscard]] const X11KeyboardState& state() const { return state_; }
     /// The effective group, 0 to 3.
     [[nodiscard]] std::uint32_t group() const { return state_.effectiveGroup; }
@@ -59,7 +65,7 @@ public:
 
 private:
     X11Keymap(xcb_connection_t* connection, XkbContextPtr context, std::uint8_t firstEvent,
-              std::uint16_t deviceId);
+              std::uint16_t deviceId, X11StateNotices notices);
 
     void selectEvents();
     void markStale();
@@ -72,6 +78,7 @@ private:
     std::uint64_t version_ = 1;
     std::uint16_t deviceId_;
     std::uint8_t firstEvent_;
+    X11StateNotices notices_;
     bool stale_ = false;
 };
 

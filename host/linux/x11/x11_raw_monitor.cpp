@@ -35,7 +35,7 @@ std::unique_ptr<X11RawMonitor> X11RawMonitor::create(const char* display, EventL
     const auto* xinput = xcb_get_extension_data(connection.get(), &xcb_input_id);
     if (xinput == nullptr || xinput->present == 0 || !selectRawKeys(connection.get()))
         return nullptr;
-    std::unique_ptr<X11Keymap> keymap = X11Keymap::create(connection.get());
+    std::unique_ptr<X11Keymap> keymap = X11Keymap::create(connection.get(), X11StateNotices::all);
     if (!keymap)
         return nullptr;
     std::unique_ptr<X11RawMonitor> monitor(

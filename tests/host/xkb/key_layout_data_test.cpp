@@ -224,11 +224,10 @@ TEST(KeyboardType, modelsTellTheShape) {
         const char* model;
         PhysicalLayoutType type;
     } const cases[] = {
-        {"pc105", PhysicalLayoutType::iso},        {"pc104", PhysicalLayoutType::ansi},
-        {"pc101", PhysicalLayoutType::ansi},       {"pc86", PhysicalLayoutType::ansi},
-        {"jp106", PhysicalLayoutType::jis},        {"sun_type6_jp", PhysicalLayoutType::jis},
-        {"applealu_jis", PhysicalLayoutType::jis}, {"applealu_ansi", PhysicalLayoutType::ansi},
-        {"thinkpad", PhysicalLayoutType::iso},     {"", PhysicalLayoutType::iso},
+        {"pc105", PhysicalLayoutType::iso},    {"pc104", PhysicalLayoutType::ansi},
+        {"pc101", PhysicalLayoutType::ansi},   {"pc86", PhysicalLayoutType::ansi},
+        {"jp106", PhysicalLayoutType::jis},    {"sun_type6_jp", PhysicalLayoutType::jis},
+        {"thinkpad", PhysicalLayoutType::iso}, {"", PhysicalLayoutType::iso},
     };
     for (const auto& c : cases)
         EXPECT_EQ(reader.layoutType(keyboardTypeForModel(c.model)), c.type) << c.model;

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/contracts/event_poster_contract.h"
+#include "tests/support/contracts/event_source_contract.h"
+#include "tests/support/contracts/workspace_contract.h"
+#include "tests/support/fake_desktop/fake_desktop.h"
+
+namespace kelvora::contract {
+namespace {
+
+class FakeRig final : public DesktopRig {
+public:
+    Desktop services() override { return desktop_.services(); }
+    void press(KeyCode keyCode) override { desktop_.keyboard.press(keyCode); }
+    void release(KeyCode keyCode) override { desktop_.keyboard.release(keyCode); }
+    void click() override { desktop_.keyboard.click(EventType::leftMouseDown); }
+    void focusOtherEditor() override { desktop_.windows.focus(fake::Windows::otherEditor); }
+    std::u16string text() override { return desktop_.windows.text(); }
+    std::u16string otherText() override {
+        return desktop_.windows.text(fake::Windows::otherEditor);
+    }
+    void onWorker(const std::function<void()>& work) override {
+        desktop_.scheduler.postToWorker(work);
+        desktop_.run();
+    }
+    bool becomes(const std::function<bool()>& condition) override {
+        desktop_.run();
+        return condition();
+    }
+    void rest() override { desktop_.run(); }
+
+private:
+    fake::FakeDesktop desktop_;
+};
+
+std::unique_ptr<DesktopRig> makeRig() {
+    return std::make_unique<FakeRig>();
+}
+
+INSTANTIATE_TEST_SUITE_P(FakeDesktop, EventPosterContract, testing::Values(RigFactory(makeRig)));
+INSTANTIATE_TEST_SUITE_P(FakeDesktop, EventSourceContract, testing::Values(RigFactory(makeRig)));
+INSTANTIATE_TEST_SUITE_P(FakeDesktop, WorkspaceContract, testing::Values(RigFactory(makeRig)));
+
+} // namespace
+} // namespace kelvora::contract
