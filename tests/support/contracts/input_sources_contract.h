@@ -8,6 +8,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -25,6 +26,10 @@ public:
 struct InputSourcesFactory {
     std::string name;
     std::function<std::unique_ptr<InputSourcesWorld>()> make;
+
+    friend void PrintTo(const InputSourcesFactory& factory, std::ostream* stream) {
+        *stream << factory.name;
+    }
 };
 
 /// What every InputSources promises. INSTANTIATE_TEST_SUITE_P with the factories to be held to it.

@@ -6,6 +6,7 @@
 #include <string>
 #include <sys/types.h>
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name that its own header declares
 typedef struct _GDBusConnection GDBusConnection;
 
 namespace kelvora::real {

@@ -19,6 +19,7 @@ namespace {
 
 std::vector<char*> pointers(std::vector<std::string>& strings) {
     std::vector<char*> result;
+    result.reserve(strings.size() + 1);
     for (std::string& string : strings) {
         result.push_back(string.data());
     }
@@ -32,7 +33,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Opti
     std::vector<std::string> argumentCopies = arguments;
     std::vector<std::string> variables;
     for (const auto& [name, value] : options.environment) {
-        variables.push_back(name + "=" + value);
+        variables.push_back(name);
+        variables.back().append("=").append(value);
     }
     std::vector<char*> argv = pointers(argumentCopies);
     std::vector<char*> envp = pointers(variables);

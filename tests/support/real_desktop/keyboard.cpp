@@ -39,10 +39,11 @@ struct Stroke {
 
 std::optional<Stroke> strokeFor(char character) {
     for (const Row& row : rows) {
-        if (const std::size_t index = row.plain.find(character); index != row.plain.npos) {
+        if (const std::size_t index = row.plain.find(character); index != std::string_view::npos) {
             return Stroke{row.firstKeyCode + static_cast<unsigned>(index), false};
         }
-        if (const std::size_t index = row.shifted.find(character); index != row.shifted.npos) {
+        if (const std::size_t index = row.shifted.find(character);
+            index != std::string_view::npos) {
             return Stroke{row.firstKeyCode + static_cast<unsigned>(index), true};
         }
     }

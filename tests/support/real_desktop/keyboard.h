@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/real_desktop/x_display.h"
+
 #include <chrono>
 #include <random>
 #include <string_view>
-
-struct _XDisplay;
 
 namespace kelvora::real {
 

@@ -6,6 +6,7 @@
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <array>
+#include <cstddef>
 #include <sstream>
 
 namespace kelvora::real {
@@ -62,7 +63,8 @@ KeyboardState readKeyboardState(_XDisplay* display) {
     const int keyCount = last - first + 1;
     KeySym* const symbols =
         XGetKeyboardMapping(display, static_cast<KeyCode>(first), keyCount, &symbolsPerKey);
-    result.keymap.assign(symbols, symbols + keyCount * symbolsPerKey);
+    const std::ptrdiff_t symbolCount = std::ptrdiff_t{keyCount} * symbolsPerKey;
+    result.keymap.assign(symbols, symbols + symbolCount);
     XFree(symbols);
     return result;
 }

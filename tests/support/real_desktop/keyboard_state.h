@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/real_desktop/x_display.h"
+
 #include <string>
 #include <vector>
-
-struct _XDisplay;
 
 namespace kelvora::real {
 

@@ -4,14 +4,13 @@
 #include "tests/support/real_desktop/child_process.h"
 #include "tests/support/real_desktop/keyboard.h"
 #include "tests/support/real_desktop/keyboard_state.h"
+#include "tests/support/real_desktop/x_display.h"
 #include "tests/support/real_desktop/x_server.h"
 
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
-
-struct _XDisplay;
 
 namespace kelvora::real {
 

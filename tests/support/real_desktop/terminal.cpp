@@ -45,7 +45,7 @@ std::vector<std::string> command(const std::string& geometry, const std::filesys
 
 std::filesystem::path writeShellScript(RealDesktop& desktop,
                                        const std::filesystem::path& acceptedLog) {
-    const std::filesystem::path script = desktop.newFile("line-editor.sh");
+    std::filesystem::path script = desktop.newFile("line-editor.sh");
     // `read -e` is the shell's own line editor, and each line it accepts is kept as it got it.
     std::ofstream(script) << "while IFS= read -e -r -p '> ' line; do\n"
                              "    printf '%s\\n' \"$line\" >>'"
@@ -55,7 +55,7 @@ std::filesystem::path writeShellScript(RealDesktop& desktop,
 }
 
 // The first line is the recorder's own.
-std::string withoutHeader(std::string content) {
+std::string withoutHeader(const std::string& content) {
     const std::size_t end = content.find('\n');
     return end == std::string::npos ? std::string() : content.substr(end + 1);
 }

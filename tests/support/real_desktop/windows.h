@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/real_desktop/x_display.h"
+
 #include <optional>
 #include <string>
 #include <sys/types.h>
-
-struct _XDisplay;
 
 namespace kelvora::real {
 
