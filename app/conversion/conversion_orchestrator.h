@@ -10,6 +10,7 @@
 #include "host/desktop.h"
 
 #include <memory>
+#include <string>
 
 namespace kelvora {
 
@@ -23,8 +24,9 @@ public:
                            std::shared_ptr<TypedTextBuffer> typedText,
                            std::shared_ptr<EventPosting> poster);
 
-    /// Starts a conversion, unless one is running or none is allowed.
-    void performConversion();
+    /// Starts a conversion, unless one is running or none is allowed. `textAtTrigger` as in
+    /// ConversionRequest.
+    void performConversion(std::u16string textAtTrigger = {});
 
     /// From the hand-over of a conversion until its result has been handled.
     [[nodiscard]] bool conversionInProgress() const { return conversionInProgress_; }

@@ -4,8 +4,10 @@
 #include "app/conversion/keyboard_guard.h"
 #include "app/io/event_posting.h"
 #include "app/io/logger.h"
+#include "core/text/characters.h"
 
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace kelvora {
@@ -24,15 +26,33 @@ struct TypedWord {
     TypedWordConversion conversion;
 };
 
+/// What was typed between the trigger and now: the end of `text`, or nothing when that is not what
+/// happened since.
+std::u16string_view typedSinceTrigger(const ConversionRequest& request, std::u16string_view text) {
+    const std::u16string_view before = request.textAtTrigger;
+    return !before.empty() && text.starts_with(before) ? text.substr(before.size())
+                                                       : std::u16string_view();
+}
+
 std::optional<TypedWord> readTypedWord(const ConversionRequest& request) {
     std::u16string text = request.typedText->text();
     if (text.empty()) {
         return std::nullopt;
     }
+    // Keys pressed since the trigger belong to the layout that it switches to, but were typed in
+    // the other one: the word is the one from before them, and they are read again with it.
+    const std::u16string_view later = typedSinceTrigger(request, text);
+    const auto before = std::u16string_view(text).substr(0, text.size() - later.size());
     std::optional<TypedWordConversion> conversion =
-        request.mapping.convertTypedWord(text, request.activeSourceIndex);
+        request.mapping.convertTypedWord(before, request.activeSourceIndex);
     if (!conversion) {
         return std::nullopt;
+    }
+    if (!later.empty()) {
+        const std::u16string reread = request.mapping.convert(later, 1 - conversion->targetIndex);
+        conversion->deleteCount += static_cast<std::int64_t>(characterCount(later));
+        conversion->insertion += reread;
+        conversion->bufferAfter += reread;
     }
     return TypedWord{std::move(text), std::move(*conversion)};
 }

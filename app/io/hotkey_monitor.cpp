@@ -180,6 +180,7 @@ void HotkeyMonitor::handleFlagsChanged(const InputEvent& event) {
 }
 
 void HotkeyMonitor::postTrigger() {
+    textAtTrigger_ = typedText_->text();
     dispatch_.postToMain([weak = self_.handle()] {
         const HotkeyMonitor* monitor = weak.get();
         if (!monitor || !monitor->onTrigger) {

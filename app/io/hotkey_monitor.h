@@ -11,6 +11,8 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace kelvora {
 
@@ -46,6 +48,9 @@ public:
 
     /// The same buffer for the monitor's whole life; a conversion that outlives it keeps its share.
     [[nodiscard]] const std::shared_ptr<TypedTextBuffer>& typedText() const { return typedText_; }
+    /// The buffer's text when the last double tap was completed, for the trigger that it is about;
+    /// keys pressed before the trigger is handled are in the buffer by then. Empty when taken.
+    [[nodiscard]] std::u16string takeTextAtTrigger() { return std::exchange(textAtTrigger_, {}); }
     [[nodiscard]] DoubleShiftDetector& detector() { return detector_; }
     [[nodiscard]] ShiftEventInterpreter& interpreter() { return interpreter_; }
 
@@ -62,6 +67,7 @@ private:
     Dispatch& dispatch_;
     Logger logger_;
     std::shared_ptr<TypedTextBuffer> typedText_ = std::make_shared<TypedTextBuffer>();
+    std::u16string textAtTrigger_;
     DoubleShiftDetector detector_{0.5};
     ShiftEventInterpreter interpreter_;
     std::unique_ptr<EventTap> eventTap_;

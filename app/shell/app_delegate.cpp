@@ -76,7 +76,7 @@ void AppDelegate::handleTrigger() {
     ++model_.doubleTapCount;
     // Layouts may have been added or removed since the last look.
     model_.refreshInputSources();
-    conversion_.performConversion();
+    conversion_.performConversion(hotkey_.takeTextAtTrigger());
 }
 
 void AppDelegate::handleFocusChange() {

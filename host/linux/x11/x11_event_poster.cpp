@@ -68,15 +68,15 @@ std::unique_ptr<X11EventPoster> X11EventPoster::create(const std::string& displa
         if (!version || version->major_version < 2)
             grabbing.reset();
     }
-    return std::unique_ptr<X11EventPoster>(
-        new X11EventPoster(std::move(marked), std::move(unmarked), std::move(grabbing), marks));
+    return std::unique_ptr<X11EventPoster>(new X11EventPoster(
+        display, std::move(marked), std::move(unmarked), std::move(grabbing), marks));
 }
 
-X11EventPoster::X11EventPoster(std::unique_ptr<X11KeyboardControl> marked,
+X11EventPoster::X11EventPoster(std::string display, std::unique_ptr<X11KeyboardControl> marked,
                                std::unique_ptr<X11KeyboardControl> unmarked,
                                XcbConnectionPtr grabbing, X11PostingMarks& marks)
-    : marked_(std::move(marked)), unmarked_(std::move(unmarked)), grabbing_(std::move(grabbing)),
-      marks_(marks) {
+    : display_(std::move(display)), marked_(std::move(marked)), unmarked_(std::move(unmarked)),
+      grabbing_(std::move(grabbing)), marks_(marks) {
     marks_.markedClient = marked_->clientBase();
     marks_.onUserKeyRelease = [this](std::uint8_t keycode) { onUserKeyRelease(keycode); };
     releaseForgottenKeys();

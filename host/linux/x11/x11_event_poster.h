@@ -48,7 +48,7 @@ private:
         std::uint16_t carrier;
     };
 
-    X11EventPoster(std::unique_ptr<X11KeyboardControl> marked,
+    X11EventPoster(std::string display, std::unique_ptr<X11KeyboardControl> marked,
                    std::unique_ptr<X11KeyboardControl> unmarked, XcbConnectionPtr grabbing,
                    X11PostingMarks& marks);
 
@@ -60,6 +60,7 @@ private:
     bool postGuarded(const std::function<void()>& send);
     void onUserKeyRelease(std::uint8_t keycode);
 
+    std::string display_;
     std::mutex mutex_;
     std::unique_ptr<X11KeyboardControl> marked_;
     std::unique_ptr<X11KeyboardControl> unmarked_;

@@ -4,18 +4,37 @@
 #include "host/linux/x11/x11_connection.h"
 
 namespace kelvora {
+namespace {
 
-FocusTarget readFocus(xcb_connection_t* connection) {
+constexpr int maximumDepth = 64;
+
+/// The window itself when it is a root, XCB_NONE when it is gone.
+xcb_window_t outermost(xcb_connection_t* connection, xcb_window_t window) {
+    for (int depth = 0; depth < maximumDepth; ++depth) {
+        const XcbPtr<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+        if (!tree)
+            return XCB_NONE;
+        if (tree->parent == tree->root || window == tree->root)
+            return window;
+        window = tree->parent;
+    }
+    return XCB_NONE;
+}
+
+} // namespace
+
+X11Focus readFocus(xcb_connection_t* connection) {
     const XcbPtr<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    if (!focus)
+    if (!focus || focus->focus == XCB_NONE)
         return {};
     if (focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT)
-        return {focus->focus};
+        return {focus->focus, {outermost(connection, focus->focus)}};
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     const XcbPtr<xcb_query_pointer_reply_t> pointer(
         xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
-    return pointer ? FocusTarget{pointer->child} : FocusTarget{};
+    return pointer ? X11Focus{pointer->child, {pointer->child}} : X11Focus{};
 }
 
 } // namespace kelvora

@@ -36,14 +36,15 @@ public:
         return reaches;
     }
 
-    [[nodiscard]] bool hasFocus() { return readFocus(control_.connection()) == target_; }
+    [[nodiscard]] bool hasFocus();
 
 private:
     bool takeFocusBack();
 
     X11KeyboardControl& control_;
     FocusTarget target_;
-    std::optional<FocusTarget> takenBy_;
+    xcb_window_t window_ = XCB_NONE; ///< what had the focus within the target
+    std::optional<xcb_window_t> takenBy_;
     bool hasPosted_ = false;
     bool hasFailed_ = false;
 };

@@ -13,6 +13,10 @@ void X11FocusWatch::start() {
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     if (focus)
         follow(focus->focus);
+    // Where there is no other window to focus, the root or nothing gets it.
+    for (auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)); screen.rem > 0;
+         xcb_screen_next(&screen))
+        select(screen.data->root);
 }
 
 bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
@@ -43,8 +47,21 @@ bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
         if (event.mode == XCB_NOTIFY_MODE_NORMAL)
             isTaken_ = false;
         askForFocus();
-        return true;
+        // Between a window and one inside it: the focus stays where it is for a person, unless it
+        // is the root that has it now or had it.
+        return (event.detail != XCB_NOTIFY_DETAIL_ANCESTOR &&
+                event.detail != XCB_NOTIFY_DETAIL_VIRTUAL &&
+                event.detail != XCB_NOTIFY_DETAIL_INFERIOR) ||
+               isRoot(event.window);
     }
+}
+
+bool X11FocusWatch::isRoot(xcb_window_t window) const {
+    for (auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)); screen.rem > 0;
+         xcb_screen_next(&screen))
+        if (screen.data->root == window)
+            return true;
+    return false;
 }
 
 void X11FocusWatch::processReplies() {
@@ -73,6 +90,10 @@ void X11FocusWatch::follow(xcb_window_t window) {
     if (window == followed_ || window == XCB_NONE || window == XCB_INPUT_FOCUS_POINTER_ROOT)
         return;
     followed_ = window;
+    select(window);
+}
+
+void X11FocusWatch::select(xcb_window_t window) {
     // The window may be gone by now; the error that this gives is an event that nobody reads.
     const std::uint32_t events = XCB_EVENT_MASK_FOCUS_CHANGE;
     xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &events);

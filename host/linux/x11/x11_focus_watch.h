@@ -31,6 +31,8 @@ public:
 private:
     void askForFocus();
     void follow(xcb_window_t window);
+    void select(xcb_window_t window);
+    [[nodiscard]] bool isRoot(xcb_window_t window) const;
 
     xcb_connection_t* connection_;
     xcb_window_t followed_ = XCB_NONE;

@@ -91,6 +91,23 @@ void X11KeyboardControl::sendKey(std::uint8_t keycode, bool press) {
                         XCB_CURRENT_TIME, root_, 0, 0, static_cast<std::uint8_t>(carrier_));
 }
 
+void X11KeyboardControl::useCarrier() {
+    // A key that is not down: applications are not told of its coming up.
+    if (!keys().spareKeycodes().empty())
+        releaseKey(keys().spareKeycodes().front());
+}
+
+void X11KeyboardControl::announceState() {
+    // With a modifier that no key has anything to do with.
+    const std::uint8_t used = keys().usedModifiers();
+    const auto free = static_cast<std::uint8_t>(~used & (used + 1));
+    if (free == 0)
+        return;
+    for (const std::uint8_t locked : {free, std::uint8_t{0}})
+        xcb_xkb_latch_lock_state(connection(), keymap_->deviceId(), free, locked, 0, 0, 0, 0, 0);
+    flush();
+}
+
 void X11KeyboardControl::lockGroup(std::uint8_t group) {
     xcb_xkb_latch_lock_state(connection(), keymap_->deviceId(), 0, 0, 1, group, 0, 0, 0);
 }
@@ -156,6 +173,24 @@ std::vector<X11SlaveKeyboard> X11KeyboardControl::slaveKeyboards() {
         result.push_back({info.data->deviceid, name.find("XTEST keyboard") != name.npos});
     }
     return result;
+}
+
+std::uint16_t X11KeyboardControl::lastUsedKeyboard() {
+    if (xinputEvent_ == 0)
+        return 0;
+    const XcbPtr<xcb_input_xi_query_device_reply_t> reply(xcb_input_xi_query_device_reply(
+        connection(), xcb_input_xi_query_device(connection(), keymap_->deviceId()), nullptr));
+    if (!reply)
+        return 0;
+    auto info = xcb_input_xi_query_device_infos_iterator(reply.get());
+    if (info.rem == 0)
+        return 0;
+    // The core keyboard shows the keys of the device that it was used with.
+    for (auto part = xcb_input_xi_device_info_classes_iterator(info.data); part.rem > 0;
+         xcb_input_device_class_next(&part))
+        if (part.data->type == XCB_INPUT_DEVICE_CLASS_TYPE_KEY)
+            return part.data->sourceid;
+    return 0;
 }
 
 void X11KeyboardControl::ungrabServer() {

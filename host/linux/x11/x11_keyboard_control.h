@@ -38,6 +38,8 @@ public:
     bool synchronize();
     /// As of the last synchronize().
     [[nodiscard]] const X11KeyboardState& state() const { return keymap_->state(); }
+    /// Changes with every change of the keymap, as of the last synchronize() or keys().
+    [[nodiscard]] std::uint64_t keymapVersion() const { return keymap_->version(); }
     [[nodiscard]] const CharacterKeys& keys();
     [[nodiscard]] xkb_keymap* keymap() { return keymap_->keymap(); }
 
@@ -46,6 +48,14 @@ public:
     [[nodiscard]] std::uint16_t carrier() const { return carrier_; }
     void pressKey(std::uint8_t keycode) { sendKey(keycode, true); }
     void releaseKey(std::uint8_t keycode) { sendKey(keycode, false); }
+
+    /// Makes the carrier the device that the core keyboard was used with last, without a key.
+    void useCarrier();
+    /// The slave keyboard that the core keyboard was used with last; 0 when unknown.
+    [[nodiscard]] std::uint16_t lastUsedKeyboard();
+    /// Tells applications the state again. After another slave keyboard was used, Qt 5 believes the
+    /// first group to be active until the next notice.
+    void announceState();
 
     void lockGroup(std::uint8_t group);
     /// Sets the locked modifiers named in `affected` to `values` and clears all latches.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/x11_keyboard_hold.h"
 
+#include "host/linux/x11/x11_keymap_copy.h"
+
 #include <xcb/xinput.h>
 
 #include <chrono>
@@ -48,10 +50,14 @@ X11KeyboardHold::~X11KeyboardHold() {
         readHeldEvents();
         replayHeldEvents();
         lendToCarrier();
+        marked_.synchronize();
+        if (marked_.keymapVersion() != keymapVersion_)
+            copyCoreKeymap(poster_.display_.c_str(), grabbed_);
         ungrabKeyboards();
         // What came between the last look and the end of the grab.
         readHeldEvents();
         replayHeldEvents();
+        returnToUserKeyboard();
     } else {
         ungrabKeyboards();
     }
@@ -80,8 +86,25 @@ void X11KeyboardHold::grabKeyboards() {
             return;
         }
     }
+    userKeyboard_ = marked_.lastUsedKeyboard();
     marked_.setCarrier(carrier);
     unmarked_.setCarrier(carrier);
+    marked_.useCarrier();
+    marked_.announceState();
+    // Using the carrier gave the core keyboard its keymap: what changes from here on is news.
+    marked_.synchronize();
+    static_cast<void>(marked_.keys());
+    keymapVersion_ = marked_.keymapVersion();
+}
+
+void X11KeyboardHold::returnToUserKeyboard() {
+    for (const X11SlaveKeyboard& keyboard : marked_.slaveKeyboards()) {
+        if (keyboard.id != userKeyboard_)
+            continue;
+        marked_.setCarrier(keyboard.isXTest ? 0 : keyboard.id);
+        marked_.useCarrier();
+        marked_.announceState();
+    }
 }
 
 bool X11KeyboardHold::grab(std::uint16_t deviceId) {

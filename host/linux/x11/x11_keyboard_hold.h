@@ -37,6 +37,7 @@ private:
     void replayHeldEvents();
     void pressHeldModifiers();
     void lendToCarrier();
+    void returnToUserKeyboard();
 
     struct HeldEvent {
         std::uint8_t keycode;
@@ -50,9 +51,11 @@ private:
     xcb_connection_t* grabbing_;
     std::optional<X11FocusGuard> focus_;
     std::vector<std::uint16_t> grabbed_;
+    std::uint16_t userKeyboard_ = 0; ///< the device that the user typed on; 0 when unknown
     std::vector<HeldEvent> events_;
-    X11KeySet downBefore_; ///< what the user held when the hold began
-    X11KeySet down_;       ///< modifiers that the carrier holds for the user at the end
+    std::uint64_t keymapVersion_ = 0; ///< when the keyboards were grabbed
+    X11KeySet downBefore_;            ///< what the user held when the hold began
+    X11KeySet down_;                  ///< modifiers that the carrier holds for the user at the end
 };
 
 } // namespace kelvora

@@ -100,7 +100,7 @@ X11Workspace::X11Workspace(XcbConnectionPtr connection, DesktopEntries entries)
 
 std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
     discardEvents();
-    const auto focus = static_cast<xcb_window_t>(readFocus(connection_.get()).id);
+    const xcb_window_t focus = readFocus(connection_.get()).window;
     if (const xcb_window_t window = namedAround(focus); window != XCB_NONE)
         return describe(window);
     if (const xcb_window_t window = namedBelowPointer(focus); window != XCB_NONE)
@@ -120,7 +120,7 @@ std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
 
 FocusTarget X11Workspace::focusTarget() {
     discardEvents();
-    return readFocus(connection_.get());
+    return readFocus(connection_.get()).target;
 }
 
 void X11Workspace::setOnFocusChanged(std::function<void()> handler) {

@@ -73,13 +73,18 @@ CharacterKeys::CharacterKeys(xkb_keymap* keymap) {
             spare_.push_back(keycode);
             continue;
         }
+        const auto modifiers = [&](xkb_state_component component) {
+            return static_cast<std::uint8_t>(xkb_state_serialize_mods(state.get(), component) &
+                                             0xFF);
+        };
         xkb_state_update_key(state.get(), key, XKB_KEY_DOWN);
-        const auto set = static_cast<std::uint8_t>(
-            xkb_state_serialize_mods(state.get(), XKB_STATE_MODS_DEPRESSED) & 0xFF);
+        const std::uint8_t set = modifiers(XKB_STATE_MODS_DEPRESSED);
         xkb_state_update_key(state.get(), key, XKB_KEY_UP);
-        const bool isLock = xkb_state_serialize_mods(state.get(), XKB_STATE_MODS_LOCKED) != 0;
+        const std::uint8_t kept =
+            modifiers(XKB_STATE_MODS_LOCKED) | modifiers(XKB_STATE_MODS_LATCHED);
         xkb_state_update_mask(state.get(), 0, 0, 0, 0, 0, 0);
-        if (set != 0 && !isLock)
+        usedModifiers_ = static_cast<std::uint8_t>(usedModifiers_ | set | kept);
+        if (set != 0 && kept == 0)
             modifiers_.push_back({keycode, set});
         readKey(keymap, key);
     }

@@ -45,6 +45,8 @@ public:
                                                     std::uint8_t& remaining) const;
 
     [[nodiscard]] const std::vector<ModifierKeycode>& modifierKeys() const { return modifiers_; }
+    /// Every real modifier that some key sets, latches or locks.
+    [[nodiscard]] std::uint8_t usedModifiers() const { return usedModifiers_; }
     /// Keys without any meaning in this keymap, highest first.
     [[nodiscard]] const std::vector<std::uint8_t>& spareKeycodes() const { return spare_; }
 
@@ -55,6 +57,7 @@ private:
     std::unordered_map<xkb_keysym_t, std::vector<KeyStroke>> keysyms_; ///< level 1 only
     std::vector<ModifierKeycode> modifiers_;
     std::vector<std::uint8_t> spare_;
+    std::uint8_t usedModifiers_ = 0;
 };
 
 } // namespace kelvora

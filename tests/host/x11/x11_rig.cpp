@@ -83,10 +83,12 @@ Desktop X11Rig::services() {
 
 void X11Rig::press(KeyCode keyCode) {
     keyboard_->press(xKeyCode(keyCode));
+    XSync(xlib_, False); // before whatever another connection asks for next
 }
 
 void X11Rig::release(KeyCode keyCode) {
     keyboard_->release(xKeyCode(keyCode));
+    XSync(xlib_, False);
 }
 
 void X11Rig::click() {
