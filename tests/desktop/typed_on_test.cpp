@@ -45,10 +45,8 @@ TEST_P(TypedOn, KeysFollowTheCorrection) {
         Case{"a slip and its correction", " vvv\b\bbh", "привет мир"},
     };
     for (const KeySource source : {KeySource::physical, KeySource::synthetic}) {
-        // Faster than any hand, so that some keys come even before the program has seen the
-        // trigger; what is the same word whenever they come is right all the same.
-        repeat(source, noPause, cases[0].typedOn, cases[0].expected);
-        for (const Rhythm rhythm : {fastRhythm, personRhythm}) {
+        // The first is faster than any hand: keys come even before the program has seen the trigger.
+        for (const Rhythm rhythm : {noPause, fastRhythm, personRhythm}) {
             for (const Case& row : cases) {
                 SCOPED_TRACE(row.name);
                 repeat(source, rhythm, row.typedOn, row.expected);

@@ -214,8 +214,10 @@ void X11EventPoster::onUserKeyRelease(std::uint8_t keycode) {
             return false;
         unmarked_->setCarrier(key.carrier);
         unmarked_->releaseKey(keycode);
+        unmarked_->setCarrier(key.userKeyboard);
+        unmarked_->useCarrier();
+        unmarked_->announceState();
         unmarked_->setCarrier(0);
-        unmarked_->flush();
         return true;
     });
     hasLent_ = !lent_.empty();

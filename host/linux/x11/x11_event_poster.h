@@ -46,6 +46,7 @@ private:
     struct LentKey {
         std::uint8_t keycode;
         std::uint16_t carrier;
+        std::uint16_t userKeyboard; ///< as a carrier
     };
 
     X11EventPoster(std::string display, std::unique_ptr<X11KeyboardControl> marked,

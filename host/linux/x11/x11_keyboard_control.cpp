@@ -93,13 +93,13 @@ void X11KeyboardControl::sendKey(std::uint8_t keycode, bool press) {
 
 void X11KeyboardControl::useCarrier() {
     // A key that is not down: applications are not told of its coming up.
-    if (!keys().spareKeycodes().empty())
-        releaseKey(keys().spareKeycodes().front());
+    if (!knownKeys().spareKeycodes().empty())
+        releaseKey(knownKeys().spareKeycodes().front());
 }
 
 void X11KeyboardControl::announceState() {
     // With a modifier that no key has anything to do with.
-    const std::uint8_t used = keys().usedModifiers();
+    const std::uint8_t used = knownKeys().usedModifiers();
     const auto free = static_cast<std::uint8_t>(~used & (used + 1));
     if (free == 0)
         return;

@@ -41,6 +41,8 @@ public:
     /// Changes with every change of the keymap, as of the last synchronize() or keys().
     [[nodiscard]] std::uint64_t keymapVersion() const { return keymap_->version(); }
     [[nodiscard]] const CharacterKeys& keys();
+    /// As of the last keys(): does not ask the server, but the first time.
+    [[nodiscard]] const CharacterKeys& knownKeys() { return keys_ ? *keys_ : keys(); }
     [[nodiscard]] xkb_keymap* keymap() { return keymap_->keymap(); }
 
     /// Through which device pressKey() goes: 0 for the XTEST keyboard, else a slave keyboard's id.
@@ -53,8 +55,8 @@ public:
     void useCarrier();
     /// The slave keyboard that the core keyboard was used with last; 0 when unknown.
     [[nodiscard]] std::uint16_t lastUsedKeyboard();
-    /// Tells applications the state again. After another slave keyboard was used, Qt 5 believes the
-    /// first group to be active until the next notice.
+    /// Tells applications the state again. Like useCarrier(), it only sends. After another slave
+    /// keyboard was used, Qt 5 believes the first group to be active until the next notice.
     void announceState();
 
     void lockGroup(std::uint8_t group);

@@ -86,7 +86,10 @@ void X11KeyboardHold::grabKeyboards() {
             return;
         }
     }
-    userKeyboard_ = marked_.lastUsedKeyboard();
+    const std::uint16_t lastUsed = marked_.lastUsedKeyboard();
+    for (const X11SlaveKeyboard& keyboard : keyboards)
+        if (keyboard.id == lastUsed)
+            userKeyboard_ = keyboard.isXTest ? std::uint16_t{0} : keyboard.id;
     marked_.setCarrier(carrier);
     unmarked_.setCarrier(carrier);
     marked_.useCarrier();
@@ -98,13 +101,11 @@ void X11KeyboardHold::grabKeyboards() {
 }
 
 void X11KeyboardHold::returnToUserKeyboard() {
-    for (const X11SlaveKeyboard& keyboard : marked_.slaveKeyboards()) {
-        if (keyboard.id != userKeyboard_)
-            continue;
-        marked_.setCarrier(keyboard.isXTest ? 0 : keyboard.id);
-        marked_.useCarrier();
-        marked_.announceState();
-    }
+    if (!userKeyboard_)
+        return;
+    marked_.setCarrier(*userKeyboard_);
+    marked_.useCarrier();
+    marked_.announceState();
 }
 
 bool X11KeyboardHold::grab(std::uint16_t deviceId) {
@@ -229,7 +230,9 @@ void X11KeyboardHold::lendToCarrier() {
     // The carrier holds them for the user from now on, and lets go when the user does.
     for (std::size_t key = 0; key < down_.size(); ++key)
         if (down_[key])
-            poster_.lent_.push_back({static_cast<std::uint8_t>(key), unmarked_.carrier()});
+            poster_.lent_.push_back({static_cast<std::uint8_t>(key), unmarked_.carrier(),
+                                     userKeyboard_.value_or(unmarked_.carrier())});
+    static_cast<void>(unmarked_.keys()); // known, when they are let go of
     poster_.hasLent_ = !poster_.lent_.empty();
 }
 

@@ -51,7 +51,8 @@ private:
     xcb_connection_t* grabbing_;
     std::optional<X11FocusGuard> focus_;
     std::vector<std::uint16_t> grabbed_;
-    std::uint16_t userKeyboard_ = 0; ///< the device that the user typed on; 0 when unknown
+    /// The device that the user typed on, as a carrier; absent when unknown.
+    std::optional<std::uint16_t> userKeyboard_;
     std::vector<HeldEvent> events_;
     std::uint64_t keymapVersion_ = 0; ///< when the keyboards were grabbed
     X11KeySet downBefore_;            ///< what the user held when the hold began
