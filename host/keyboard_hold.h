@@ -7,8 +7,11 @@ namespace kelvora {
 ///
 /// Keys that the user presses meanwhile reach no application; destroying the hold delivers them in
 /// their order, as the user's own, in the layout that is active then. Posted events reach the
-/// application as usual, and only while the hold's window has the focus. Used by one thread at a
-/// time; may be destroyed on another thread than it was made on.
+/// application as usual. They go to the hold's window or nowhere: nothing is posted when the focus
+/// is elsewhere, but once the first event got through, the window gets the focus back for the rest,
+/// because half a correction is lost text. A desktop that can only do that, and not hold keys, may
+/// give such a hold too. Used by one thread at a time; may be destroyed on another thread than it
+/// was made on.
 class KeyboardHold {
 public:
     virtual ~KeyboardHold() = default;

@@ -86,7 +86,7 @@ ConversionOrchestrator::ConversionOrchestrator(const Desktop& desktop, Conversio
     : desktop_(desktop), model_(model), typedText_(std::move(typedText)),
       poster_(std::move(poster)), logger_(desktop.log, "Conversion") {}
 
-void ConversionOrchestrator::performConversion(std::u16string textAtTrigger) {
+void ConversionOrchestrator::performConversion(std::optional<std::u16string> textAtTrigger) {
     logger_.info("performConversion() invoked");
     const bool isEnabled = model_.isEnabled();
     const bool accessibilityGranted = model_.accessibilityGranted();

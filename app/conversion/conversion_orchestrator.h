@@ -10,6 +10,7 @@
 #include "host/desktop.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace kelvora {
@@ -26,7 +27,7 @@ public:
 
     /// Starts a conversion, unless one is running or none is allowed. `textAtTrigger` as in
     /// ConversionRequest.
-    void performConversion(std::u16string textAtTrigger = {});
+    void performConversion(std::optional<std::u16string> textAtTrigger = std::nullopt);
 
     /// From the hand-over of a conversion until its result has been handled.
     [[nodiscard]] bool conversionInProgress() const { return conversionInProgress_; }

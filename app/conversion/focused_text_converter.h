@@ -24,8 +24,8 @@ struct ConversionRequest {
     ApplicationKind applicationKind = ApplicationKind::ordinary;
     bool reselectPastedText = true;             ///< for a path that pastes
     std::shared_ptr<TypedTextBuffer> typedText; ///< null: the typed-text path is not tried
-    /// The buffer's text at the trigger; empty: as it is when the path reads it.
-    std::u16string textAtTrigger = {};
+    /// The buffer's text at the trigger; absent: as it is when the path reads it.
+    std::optional<std::u16string> textAtTrigger = std::nullopt;
 };
 
 /// What a conversion acts through.

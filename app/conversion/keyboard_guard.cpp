@@ -11,7 +11,8 @@ void KeyboardGuard::begin() {
 }
 
 bool KeyboardGuard::hasLostFocus() {
-    return focusChanged_ || (hold_ && !hold_->hasFocus());
+    // Where it is not known what has the focus, nothing may be sent there either.
+    return target_ == FocusTarget{} || focusChanged_ || (hold_ && !hold_->hasFocus());
 }
 
 } // namespace kelvora

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] bool settle() { return hold_->settle(); }
 
     /// The focus left the trigger's window, even if it came back: what was typed there is
-    /// forgotten.
+    /// forgotten. Or it was not known which window that was.
     [[nodiscard]] bool hasLostFocus();
     /// Any thread: another window got the focus, or another client the keyboard.
     void noteFocusChange() { focusChanged_ = true; }

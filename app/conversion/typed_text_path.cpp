@@ -28,10 +28,18 @@ struct TypedWord {
 
 /// What was typed between the trigger and now: the end of `text`, or nothing when that is not what
 /// happened since.
-std::u16string_view typedSinceTrigger(const ConversionRequest& request, std::u16string_view text) {
-    const std::u16string_view before = request.textAtTrigger;
-    return !before.empty() && text.starts_with(before) ? text.substr(before.size())
-                                                       : std::u16string_view();
+std::u16string_view typedSince(std::u16string_view before, std::u16string_view text) {
+    if (text.starts_with(before)) {
+        return text.substr(before.size());
+    }
+    // A full buffer has dropped its oldest characters for the new ones.
+    if (characterCount(text) < TypedTextBuffer::maximumLength) {
+        return {};
+    }
+    while (!before.empty() && !text.starts_with(before)) {
+        before.remove_prefix(1);
+    }
+    return before.empty() ? std::u16string_view() : text.substr(before.size());
 }
 
 std::optional<TypedWord> readTypedWord(const ConversionRequest& request) {
@@ -39,9 +47,8 @@ std::optional<TypedWord> readTypedWord(const ConversionRequest& request) {
     if (text.empty()) {
         return std::nullopt;
     }
-    // Keys pressed since the trigger belong to the layout that it switches to, but were typed in
-    // the other one: the word is the one from before them, and they are read again with it.
-    const std::u16string_view later = typedSinceTrigger(request, text);
+    // Keys pressed since the trigger are not part of the word that it is about.
+    const std::u16string_view later = typedSince(request.textAtTrigger.value_or(text), text);
     const auto before = std::u16string_view(text).substr(0, text.size() - later.size());
     std::optional<TypedWordConversion> conversion =
         request.mapping.convertTypedWord(before, request.activeSourceIndex);
@@ -49,7 +56,12 @@ std::optional<TypedWord> readTypedWord(const ConversionRequest& request) {
         return std::nullopt;
     }
     if (!later.empty()) {
-        const std::u16string reread = request.mapping.convert(later, 1 - conversion->targetIndex);
+        // They belong to the layout that is switched to. Where another one was active, they are
+        // read again as keys of it.
+        const bool isInTarget = request.activeSourceIndex == conversion->targetIndex;
+        const std::u16string reread =
+            isInTarget ? std::u16string(later)
+                       : request.mapping.convert(later, 1 - conversion->targetIndex);
         conversion->deleteCount += static_cast<std::int64_t>(characterCount(later));
         conversion->insertion += reread;
         conversion->bufferAfter += reread;
@@ -57,24 +69,20 @@ std::optional<TypedWord> readTypedWord(const ConversionRequest& request) {
     return TypedWord{std::move(text), std::move(*conversion)};
 }
 
-/// The word to repair once the keyboards are held: `word`, unless the user typed on before. Absent
-/// when what is before the caret cannot be told or has nothing to convert.
-std::optional<TypedWord> settledWord(TypedWord word, const ConversionRequest& request,
-                                     KeyboardGuard& keyboard) {
+/// Brings `word` up to date once the keyboards are held: the user may have typed on before. Empty
+/// when there is nothing to convert any more. False when what is before the caret cannot be told.
+[[nodiscard]] bool settle(std::optional<TypedWord>& word, const ConversionRequest& request,
+                          KeyboardGuard& keyboard) {
     for (int reading = 0; reading < maximumReadings; ++reading) {
         if (!keyboard.settle()) {
-            return std::nullopt;
+            return false;
         }
-        if (request.typedText->text() == word.text) {
-            return word;
+        if (!word || request.typedText->text() == word->text) {
+            return true;
         }
-        std::optional<TypedWord> newer = readTypedWord(request);
-        if (!newer) {
-            return std::nullopt;
-        }
-        word = std::move(*newer);
+        word = readTypedWord(request);
     }
-    return std::nullopt;
+    return false;
 }
 
 } // namespace
@@ -89,11 +97,10 @@ FocusedTextConverter::convertTypedText(const ConversionRequest& request,
     services.poster.waitForModifiersReleased(modifierTimeout);
 
     services.keyboard.begin();
-    if (services.keyboard.isHolding()) {
-        word = settledWord(std::move(*word), request, services.keyboard);
-    }
-    if (services.keyboard.hasLostFocus()) {
-        // Another path would act on a window that the user did not mean.
+    const bool isSettled =
+        !services.keyboard.isHolding() || settle(word, request, services.keyboard);
+    if (!isSettled || services.keyboard.hasLostFocus()) {
+        // Another path would act on text or a window that the user did not mean.
         services.keyboard.end();
         return ConversionOutcome::noText();
     }

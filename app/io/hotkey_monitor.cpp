@@ -72,6 +72,7 @@ void HotkeyMonitor::stop() {
     interpreter_.reset();
     detector_.reset();
     typedText_->reset();
+    textAtTrigger_.reset();
 }
 
 void HotkeyMonitor::installTap() {
@@ -126,14 +127,26 @@ void HotkeyMonitor::handleTapEvent(const InputEvent& event) {
         if (event.sourceUserData != SystemEventPoster::userData) {
             trackTyping(event);
         }
-        handle(event);
+        handleOnMainThread(event);
         return;
     case EventType::flagsChanged:
-        handle(event);
+        handleOnMainThread(event);
         return;
     case EventType::keyUp:
         return;
     }
+}
+
+void HotkeyMonitor::handleOnMainThread(const InputEvent& event) {
+    if (dispatch_.isMainThread()) {
+        handle(event);
+        return;
+    }
+    dispatch_.postToMain([weak = self_.handle(), event] {
+        if (HotkeyMonitor* monitor = weak.get()) {
+            monitor->handle(event);
+        }
+    });
 }
 
 void HotkeyMonitor::trackTyping(const InputEvent& event) {

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -49,8 +50,10 @@ public:
     /// The same buffer for the monitor's whole life; a conversion that outlives it keeps its share.
     [[nodiscard]] const std::shared_ptr<TypedTextBuffer>& typedText() const { return typedText_; }
     /// The buffer's text when the last double tap was completed, for the trigger that it is about;
-    /// keys pressed before the trigger is handled are in the buffer by then. Empty when taken.
-    [[nodiscard]] std::u16string takeTextAtTrigger() { return std::exchange(textAtTrigger_, {}); }
+    /// keys pressed before the trigger is handled are in the buffer by then. Absent when taken.
+    [[nodiscard]] std::optional<std::u16string> takeTextAtTrigger() {
+        return std::exchange(textAtTrigger_, std::nullopt);
+    }
     [[nodiscard]] DoubleShiftDetector& detector() { return detector_; }
     [[nodiscard]] ShiftEventInterpreter& interpreter() { return interpreter_; }
 
@@ -58,6 +61,7 @@ private:
     void installTap();
     void installMonitors();
     void handleTapEvent(const InputEvent& event);
+    void handleOnMainThread(const InputEvent& event);
     void trackTyping(const InputEvent& event);
     void handle(const InputEvent& event);
     void handleFlagsChanged(const InputEvent& event);
@@ -67,7 +71,7 @@ private:
     Dispatch& dispatch_;
     Logger logger_;
     std::shared_ptr<TypedTextBuffer> typedText_ = std::make_shared<TypedTextBuffer>();
-    std::u16string textAtTrigger_;
+    std::optional<std::u16string> textAtTrigger_;
     DoubleShiftDetector detector_{0.5};
     ShiftEventInterpreter interpreter_;
     std::unique_ptr<EventTap> eventTap_;

@@ -74,8 +74,15 @@ std::string AppDelegate::listenerStatus() {
 
 void AppDelegate::handleTrigger() {
     ++model_.doubleTapCount;
-    // Layouts may have been added or removed since the last look.
-    model_.refreshInputSources();
+    performConversion();
+}
+
+void AppDelegate::performConversion() {
+    // Layouts may have been added or removed since the last look; a conversion under way keeps its
+    // own.
+    if (!conversion_.conversionInProgress()) {
+        model_.refreshInputSources();
+    }
     conversion_.performConversion(hotkey_.takeTextAtTrigger());
 }
 

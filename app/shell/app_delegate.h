@@ -31,6 +31,9 @@ public:
     /// Starts or stops the monitor, hands it the settings and words the model's `hotkeyStatus`.
     void applySettings();
 
+    /// Converts what the user means now, unless a conversion is running or none is allowed.
+    void performConversion();
+
     [[nodiscard]] AppModel& model() { return model_; }
     [[nodiscard]] HotkeyMonitor& hotkey() { return hotkey_; }
     [[nodiscard]] bool conversionInProgress() const { return conversion_.conversionInProgress(); }

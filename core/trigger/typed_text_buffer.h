@@ -12,7 +12,7 @@ namespace kelvora {
 
 /// Any thread may call any operation; each is atomic. The tail of the line that is being typed:
 /// whoever loses sight of the tail empties the buffer. What leaves the buffer is overwritten in
-/// memory, since it is what somebody typed.
+/// its memory, since it is what somebody typed; what text() gave out is the caller's.
 class TypedTextBuffer {
 public:
     /// Most characters held after `record`.

@@ -118,12 +118,13 @@ TEST_F(KeyboardHoldTest, FocusThatMovesFirstGetsNothingWithoutAHoldEither) {
     EXPECT_EQ(desktop.layouts.activeID, "us");
 }
 
-TEST_F(KeyboardHoldTest, FocusThatMovesMidwayKeepsTheOtherWindowUntouched) {
+TEST_F(KeyboardHoldTest, FocusThatMovesMidwayDoesNotLeaveHalfACorrection) {
     desktop.type(u"ghbdtn");
     desktop.doubleShift();
     desktop.at(0.06, [this] { desktop.windows.focus(fake::Windows::otherEditor); });
     desktop.at(0.07, [this] { desktop.strike(u'q'); });
     desktop.run();
+    EXPECT_EQ(text(), u"привет");
     EXPECT_EQ(desktop.windows.text(fake::Windows::otherEditor), u"й") << "the user's own key only";
     EXPECT_EQ(recorded(), u"й");
 }
@@ -164,14 +165,55 @@ TEST_F(KeyboardHoldTest, AnotherProgramThatKeepsTypingIsNotFoughtWith) {
     EXPECT_EQ(status(), nothing);
 }
 
-TEST_F(KeyboardHoldTest, UnknownFocusIsNotHeldFor) {
-    desktop.type(u"ghbdtn");
+TEST_F(KeyboardHoldTest, NothingIsSentWhereTheFocusIsNotKnown) {
+    // A window that the desktop cannot name receives keys.
+    desktop.windows.setNameless(true);
+    typeAndConvert(u"ghbdtn");
+    EXPECT_EQ(text(), u"ghbdtn");
+    EXPECT_EQ(status(), nothing);
+    EXPECT_TRUE(desktop.keyboard.posted.empty());
+    desktop.windows.setNameless(false);
+    typeAndConvert(u"");
+    EXPECT_EQ(text(), u"привет");
+}
+
+TEST_F(KeyboardHoldTest, KeysSinceTheTriggerAreReadInTheTargetLayoutOnce) {
+    // With the second, the user has switched by hand before the taps: the keys are right already.
+    for (const char* active : {"us", "ru"}) {
+        SCOPED_TRACE(active);
+        desktop.layouts.activeID = "us";
+        desktop.windows.focus(desktop.windows.focusTarget().id + 1);
+        desktop.type(u"ghbdtn");
+        desktop.layouts.activeID = active;
+        desktop.doubleShift();
+        desktop.at(0.001, [&] {
+            for (const char16_t key : std::u16string_view(u"/ vbh")) {
+                desktop.strike(key);
+            }
+        });
+        desktop.run();
+        EXPECT_EQ(desktop.windows.text(desktop.windows.focusTarget().id), u"привет. мир");
+    }
+}
+
+TEST_F(KeyboardHoldTest, AFullBufferThatDropsItsOldestForAKeySinceTheTrigger) {
+    desktop.type(std::u16string(TypedTextBuffer::maximumLength - 7, u'x') + u" ghbdtn");
     desktop.doubleShift();
-    desktop.windows.focus(0);
-    bool held = false;
-    desktop.at(0.01, [&] { held = desktop.keyboard.isHeldBack(); });
+    desktop.at(0.001, [&] {
+        for (const char16_t key : std::u16string_view(u" vbh")) {
+            desktop.strike(key);
+        }
+    });
     desktop.run();
-    EXPECT_FALSE(held);
+    EXPECT_TRUE(text().ends_with(u" привет мир")) << "the word of the trigger";
+}
+
+TEST_F(KeyboardHoldTest, KeysAfterATriggerOnNothingAreNotItsWord) {
+    desktop.doubleShift();
+    desktop.at(0.0005, [&] { desktop.strike(u'q'); });
+    desktop.run();
+    EXPECT_EQ(text(), u"q");
+    EXPECT_EQ(status(), nothing);
 }
 
 TEST_F(KeyboardHoldTest, LayoutIsSwitchedBeforeTheKeysAndTheStatusComesLast) {

@@ -137,6 +137,23 @@ TEST_P(EventPosterContract, ModifierHeldAtTheHoldIsNotLeftStuck) {
     EXPECT_TRUE(rig->textBecomes(u"q"));
 }
 
+TEST_P(EventPosterContract, HoldFinishesWhereItBegan) {
+    const FocusTarget focus = rig->services().workspace.focusTarget();
+    std::unique_ptr<KeyboardHold> hold;
+    rig->onWorker([&] {
+        hold = poster.holdKeyboard(focus);
+        ASSERT_TRUE(hold);
+        post(0, u"a");
+    });
+    rig->focusOtherEditor();
+    rig->rest();
+    postOnWorker(0, u"b");
+    hold.reset();
+    EXPECT_TRUE(rig->textBecomes(u"ab"));
+    rig->strike(keyQ);
+    EXPECT_TRUE(rig->becomes([&] { return rig->otherText() == u"q"; }));
+}
+
 TEST_P(EventPosterContract, HoldDoesNotPostIntoAnotherWindow) {
     const FocusTarget focus = rig->services().workspace.focusTarget();
     std::unique_ptr<KeyboardHold> hold;

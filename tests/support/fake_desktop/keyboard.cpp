@@ -47,9 +47,16 @@ public:
         return keyboard_.windows_.focusedField() && keyboard_.windows_.focusTarget() == target_;
     }
 
+    /// Where the next posted key goes; null: nowhere.
+    [[nodiscard]] TextField* receiver() {
+        hasBegun_ = hasBegun_ || hasFocus();
+        return hasBegun_ ? &keyboard_.windows_.field(target_) : nullptr;
+    }
+
 private:
     Keyboard& keyboard_;
     FocusTarget target_;
+    bool hasBegun_ = false;
 };
 
 void Keyboard::press(KeyCode keyCode) {
@@ -120,8 +127,11 @@ std::optional<InputEvent> Keyboard::createKeyEvent(KeyCode keyCode, KeyDirection
 void Keyboard::post(const InputEvent& event) {
     const bool down = event.type == EventType::keyDown;
     posted.push_back({scheduler_.now(), down ? KeyDirection::down : KeyDirection::up, event});
-    TextField* field = windows_.focusedField();
-    if (!down || !field || (hold_ && !hold_->hasFocus())) {
+    if (!down) {
+        return;
+    }
+    TextField* field = hold_ ? hold_->receiver() : windows_.focusedField();
+    if (!field) {
         return;
     }
     InputEvent seen = event;

@@ -41,18 +41,21 @@ public:
 
     /// 0: nothing has the focus.
     void focus(std::uint64_t window);
+    /// The desktop cannot tell what has the focus; keys go there all the same.
+    void setNameless(bool isNameless) { isNameless_ = isNameless; }
     /// Another client takes the whole keyboard, as a locker does, or gives it back.
     void setGrabbed(bool grabbed);
     [[nodiscard]] bool isGrabbed() const { return grabbed_; }
 
     /// Where keys go now; null when they go nowhere.
     [[nodiscard]] TextField* focusedField();
+    [[nodiscard]] TextField& field(FocusTarget target) { return fields_[target.id]; }
     [[nodiscard]] std::u16string text(std::uint64_t window = editor) {
         return fields_[window].text();
     }
 
     [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override;
-    [[nodiscard]] FocusTarget focusTarget() override { return {focused_}; }
+    [[nodiscard]] FocusTarget focusTarget() override { return {isNameless_ ? 0 : focused_}; }
     void setOnFocusChanged(std::function<void()> handler) override {
         onFocusChanged_ = std::move(handler);
     }
@@ -63,6 +66,7 @@ private:
     std::map<std::uint64_t, TextField> fields_;
     std::uint64_t focused_ = editor;
     bool grabbed_ = false;
+    bool isNameless_ = false;
     std::function<void()> onFocusChanged_;
 };
 
