@@ -23,6 +23,7 @@ namespace {
 
 using namespace kelvora;
 
+constexpr std::string_view category = "Launch"; // of the log lines
 constexpr const char* waylandLimit =
     "This is a Wayland session: only X11 windows are served, Wayland windows are not yet.";
 
@@ -66,7 +67,6 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName("Kelvora");
 
     StderrLog log(environment("KELVORA_LOG") == "debug" ? LogLevel::debug : LogLevel::info);
-    constexpr std::string_view category = "Launch";
     const std::string display(environment("DISPLAY"));
     if (isWaylandSession())
         log.write(LogLevel::info, category, waylandLimit);

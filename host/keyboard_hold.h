@@ -23,6 +23,9 @@ public:
 
     /// True while the window that the hold is for has the focus.
     [[nodiscard]] virtual bool hasFocus() = 0;
+
+    /// Something could not be posted, and nothing has been since.
+    [[nodiscard]] virtual bool hasFailed() = 0;
 };
 
 } // namespace kelvora

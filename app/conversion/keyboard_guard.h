@@ -30,6 +30,8 @@ public:
     /// The focus left the trigger's window, even if it came back: what was typed there is
     /// forgotten. Or it was not known which window that was.
     [[nodiscard]] bool hasLostFocus();
+    /// While holding, or after: something of what was posted did not get through.
+    [[nodiscard]] bool hasFailed() { return hold_ && hold_->hasFailed(); }
     /// Any thread: another window got the focus, or another client the keyboard.
     void noteFocusChange() { focusChanged_ = true; }
 

@@ -114,6 +114,12 @@ FocusedTextConverter::convertTypedText(const ConversionRequest& request,
         services.poster.sendKey(keyCode::backspace, 0, backspaceDelay);
     }
     services.poster.typeText(conversion.insertion);
+    if (services.keyboard.hasFailed()) {
+        // The window is gone or somebody keeps the keyboard: what is before the caret is not known.
+        request.typedText->reset();
+        services.keyboard.end();
+        return ConversionOutcome::noText();
+    }
     // Only if nothing came in between: what the monitor recorded since is newer.
     request.typedText->replace(word->text, conversion.bufferAfter);
     services.logger.info("Typed-word path success: bundleID=%s, deleted=%ld, targetIndex=%ld",

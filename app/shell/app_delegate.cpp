@@ -87,6 +87,9 @@ void AppDelegate::performConversion() {
 }
 
 void AppDelegate::handleFocusChange() {
+    // A Shift that went down here may come up where it is not seen.
+    hotkey_.interpreter().reset();
+    hotkey_.detector().reset();
     hotkey_.typedText()->reset();
     conversion_.focusChanged();
 }

@@ -45,7 +45,8 @@ TEST_P(TypedOn, KeysFollowTheCorrection) {
         Case{"a slip and its correction", " vvv\b\bbh", "привет мир"},
     };
     for (const KeySource source : {KeySource::physical, KeySource::synthetic}) {
-        // The first is faster than any hand: keys come even before the program has seen the trigger.
+        // The first is faster than any hand: keys come even before the program has seen the
+        // trigger.
         for (const Rhythm rhythm : {noPause, fastRhythm, personRhythm}) {
             for (const Case& row : cases) {
                 SCOPED_TRACE(row.name);

@@ -22,6 +22,7 @@ bool QtDispatch::isMainThread() const {
 }
 
 void QtDispatch::postToMain(std::function<void()> work) {
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): Qt owns what it allocates for it
     QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(work), Qt::QueuedConnection);
 }
 

@@ -78,6 +78,7 @@ X11EventPoster::X11EventPoster(std::string display, std::unique_ptr<X11KeyboardC
     : display_(std::move(display)), marked_(std::move(marked)), unmarked_(std::move(unmarked)),
       grabbing_(std::move(grabbing)), marks_(marks) {
     marks_.markedClient = marked_->clientBase();
+    marks_.replayingClient = unmarked_->clientBase();
     marks_.onUserKeyRelease = [this](std::uint8_t keycode) { onUserKeyRelease(keycode); };
     releaseForgottenKeys();
 }
@@ -85,6 +86,9 @@ X11EventPoster::X11EventPoster(std::string display, std::unique_ptr<X11KeyboardC
 X11EventPoster::~X11EventPoster() {
     marks_.onUserKeyRelease = nullptr;
     marks_.markedClient = 0;
+    marks_.replayingClient = 0;
+    for (const LentKey& key : lent_)
+        releaseLent(key);
 }
 
 /// Keys that only the XTEST keyboard holds when the program starts were left by one that crashed.
@@ -116,9 +120,12 @@ void X11EventPoster::post(const InputEvent& event) {
         marks_.mark = event.sourceUserData;
     X11KeyboardControl& control = event.sourceUserData != 0 ? *marked_ : *unmarked_;
     if (!event.text.empty()) {
-        if (event.type == EventType::keyDown)
-            typeText(control, event.text.view(),
-                     [this](const std::function<void()>& send) { return postGuarded(send); });
+        const auto gate = [&](const std::function<void()>& send) {
+            return postGuarded(control, send);
+        };
+        if (event.type == EventType::keyDown && typeText(control, event.text.view(), gate) &&
+            hold_ != nullptr)
+            hold_->keepKeymap();
     } else if (event.type == EventType::keyDown) {
         postKeyDown(control, event);
     } else if (event.type == EventType::keyUp) {
@@ -127,9 +134,9 @@ void X11EventPoster::post(const InputEvent& event) {
     control.flush();
 }
 
-bool X11EventPoster::postGuarded(const std::function<void()>& send) {
+bool X11EventPoster::postGuarded(X11KeyboardControl& control, const std::function<void()>& send) {
     if (hold_ != nullptr)
-        return hold_->post(send);
+        return hold_->post(control, send);
     send();
     return true;
 }
@@ -156,7 +163,7 @@ void X11EventPoster::postKeyDown(X11KeyboardControl& control, const InputEvent& 
         modifiers |= controlModifier;
     if ((event.flags & eventFlag::option) != 0)
         modifiers |= ModifierRoles::of(control.keymap()).option;
-    postGuarded([&] {
+    postGuarded(control, [&] {
         auto neutral =
             std::make_unique<X11NeutralKeyboard>(control, X11NeutralKeyboard::Locks::keep);
         neutral->pressModifiers(modifiers);
@@ -205,6 +212,26 @@ std::unique_ptr<KeyboardHold> X11EventPoster::holdKeyboard(FocusTarget target) {
     return std::make_unique<X11KeyboardHold>(*this, target);
 }
 
+void X11EventPoster::processEvents() {
+    const std::unique_lock lock(mutex_, std::try_to_lock);
+    if (!lock || hold_ != nullptr)
+        return;
+    marked_->processEvents();
+    unmarked_->processEvents();
+    if (grabbing_)
+        while (XcbPtr<xcb_generic_event_t>(xcb_poll_for_event(grabbing_.get())))
+            continue;
+}
+
+void X11EventPoster::releaseLent(const LentKey& key) {
+    unmarked_->setCarrier(key.carrier);
+    unmarked_->releaseKey(key.keycode);
+    unmarked_->setCarrier(key.userKeyboard);
+    unmarked_->useCarrier();
+    unmarked_->announceState();
+    unmarked_->setCarrier(0);
+}
+
 void X11EventPoster::onUserKeyRelease(std::uint8_t keycode) {
     if (!hasLent_)
         return;
@@ -212,12 +239,7 @@ void X11EventPoster::onUserKeyRelease(std::uint8_t keycode) {
     std::erase_if(lent_, [&](const LentKey& key) {
         if (key.keycode != keycode)
             return false;
-        unmarked_->setCarrier(key.carrier);
-        unmarked_->releaseKey(keycode);
-        unmarked_->setCarrier(key.userKeyboard);
-        unmarked_->useCarrier();
-        unmarked_->announceState();
-        unmarked_->setCarrier(0);
+        releaseLent(key);
         return true;
     });
     hasLent_ = !lent_.empty();

@@ -34,6 +34,9 @@ public:
     void sleep(double seconds) override;
     [[nodiscard]] std::unique_ptr<KeyboardHold> holdKeyboard(FocusTarget target) override;
 
+    /// Takes up notices, so that they do not pile up in the server. Does not wait for a correction.
+    void processEvents();
+
 private:
     friend class X11KeyboardHold;
 
@@ -58,8 +61,9 @@ private:
     void postKeyUp(X11KeyboardControl& control);
     [[nodiscard]] std::optional<std::uint8_t> keycodeFor(X11KeyboardControl& control,
                                                          const InputEvent& event);
-    bool postGuarded(const std::function<void()>& send);
+    bool postGuarded(X11KeyboardControl& control, const std::function<void()>& send);
     void onUserKeyRelease(std::uint8_t keycode);
+    void releaseLent(const LentKey& key);
 
     std::string display_;
     std::mutex mutex_;

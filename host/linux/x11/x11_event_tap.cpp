@@ -1,20 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/x11_event_tap.h"
 
-#include <clocale>
+#include "host/linux/xkb/keysym_text.h"
+
 #include <utility>
 
 namespace kelvora {
 namespace {
 
+constexpr int maximumRounds = 8;
 constexpr std::uint8_t lastClickButton = 3;
 constexpr std::uint8_t firstExtraButton = 8; // 4 to 7 are the wheels
-
-XkbComposeTablePtr composeTable(xkb_context* context) {
-    const char* locale = std::setlocale(LC_CTYPE, nullptr);
-    return XkbComposeTablePtr(xkb_compose_table_new_from_locale(
-        context, locale != nullptr ? locale : "C", XKB_COMPOSE_COMPILE_NO_FLAGS));
-}
 
 } // namespace
 
@@ -46,7 +42,7 @@ X11EventTap::X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap>
                          EventMask mask, EventHandler handler)
     : marks_(marks), callbacks_(callbacks), mask_(mask), handler_(std::move(handler)),
       connection_(std::move(connection)), keymap_(std::move(keymap)),
-      interpreter_(composeTable(keymap_->context()).get()), focus_(connection_.get()) {
+      interpreter_(loadComposeTable(keymap_->context()).get()), focus_(connection_.get()) {
     interpreter_.setKeymap(keymap_->keymap());
 }
 
@@ -58,8 +54,8 @@ void X11EventTap::setEnabled(bool enabled) {
     interpreter_.reset();
     pendingFake_.reset();
     if (enabled) {
-        focus_.start();
         static_cast<void>(record_->enable());
+        focus_.start();
     } else {
         record_->disable();
     }
@@ -77,11 +73,19 @@ void X11EventTap::processRecord() {
 }
 
 void X11EventTap::processNotices() {
-    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
-        keymap_->handleEvent(event.get());
-    // Here and not where keys are handled: it may have to ask the server.
-    interpreter_.setKeymap(keymap_->keymap());
-    focus_.processReplies();
+    // Fetching a keymap may bring in further notices, which the loop cannot see; whoever never
+    // stops changing is not awaited.
+    XcbPtr<xcb_generic_event_t> event(xcb_poll_for_event(connection_.get()));
+    for (int round = 0; round < maximumRounds; ++round) {
+        for (; event; event.reset(xcb_poll_for_queued_event(connection_.get())))
+            keymap_->handleEvent(event.get());
+        // Here and not where keys are handled: it may have to ask the server.
+        interpreter_.setKeymap(keymap_->keymap());
+        focus_.processReplies();
+        event.reset(xcb_poll_for_queued_event(connection_.get()));
+        if (!event)
+            break;
+    }
     if (xcb_connection_has_error(connection_.get()) != 0)
         noticeWatch_.reset();
 }
@@ -98,7 +102,8 @@ void X11EventTap::onDeviceEvent(const X11DeviceEvent& event) {
                         fake->isPress == event.isPress;
     const bool isOurs = isFake && fake->client == marks_.markedClient.load();
     if (event.isKey) {
-        if (!isOurs && event.isPress)
+        const bool isReplayed = isFake && fake->client == marks_.replayingClient.load();
+        if (!isOurs && !isReplayed && event.isPress)
             marks_.userTypesThroughXTest = isFake && fake->isCoreDevice;
         deliverKey(event, isOurs);
         if (!isOurs && !event.isPress && marks_.onUserKeyRelease)
@@ -115,7 +120,11 @@ void X11EventTap::onFocusEvent(const X11FocusEvent& event) {
 }
 
 void X11EventTap::onKeyboardGrabRequest(std::uint32_t client) {
-    focus_.onKeyboardGrabRequest(client);
+    // Our own questions whether it is grabbed come as requests, too.
+    const std::uint32_t own = xcb_get_setup(connection_.get())->resource_id_base;
+    if (client != own && client != marks_.markedClient.load() &&
+        client != marks_.replayingClient.load())
+        focus_.onKeyboardGrabRequest(client);
 }
 
 void X11EventTap::onNoOperation(std::uint32_t client) {

@@ -29,12 +29,22 @@ X11Focus readFocus(xcb_connection_t* connection) {
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     if (!focus || focus->focus == XCB_NONE)
         return {};
-    if (focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT)
-        return {focus->focus, {outermost(connection, focus->focus)}};
+    X11Focus result;
+    result.given = focus->focus;
+    result.revertTo = focus->revert_to;
+    if (focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT) {
+        result.window = focus->focus;
+        result.target = {outermost(connection, focus->focus)};
+        return result;
+    }
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     const XcbPtr<xcb_query_pointer_reply_t> pointer(
         xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
-    return pointer ? X11Focus{pointer->child, {pointer->child}} : X11Focus{};
+    if (pointer) {
+        result.window = pointer->child;
+        result.target = {pointer->child};
+    }
+    return result;
 }
 
 } // namespace kelvora

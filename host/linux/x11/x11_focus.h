@@ -5,6 +5,8 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
+
 namespace kelvora {
 
 /// Where keys go.
@@ -14,6 +16,10 @@ struct X11Focus {
     /// The window as a person sees it: the outermost one around the focus window below the root.
     /// Toolkits move the focus between it and helper windows inside while one field stays focused.
     FocusTarget target;
+    /// As the server has it, for setting it again: a window, PointerRoot or None, and where it goes
+    /// when that window does.
+    xcb_window_t given = XCB_NONE;
+    std::uint8_t revertTo = XCB_INPUT_FOCUS_NONE;
 };
 
 /// Asks the server; nothing when it does not answer.

@@ -3,12 +3,13 @@
 
 #include <xcb/xcbext.h>
 
+#include <utility>
+
 namespace kelvora {
 
 X11FocusWatch::X11FocusWatch(xcb_connection_t* connection) : connection_(connection) {}
 
 void X11FocusWatch::start() {
-    isTaken_ = false;
     const XcbPtr<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     if (focus)
@@ -17,23 +18,25 @@ void X11FocusWatch::start() {
     for (auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)); screen.rem > 0;
          xcb_screen_next(&screen))
         select(screen.data->root);
+    // Last, with its answer everything above is in force. Whoever has the keyboard already did not
+    // ask for it while we were listening.
+    grab_ = probe_.isKeyboardGrabbed() ? Grab::foreign : Grab::none;
 }
 
 bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
     switch (event.mode) {
     case XCB_NOTIFY_MODE_GRAB:
-        // An application that grabs the keyboard for a popup of its own still reads the keys
-        // itself.
-        if (!event.isIn && !isTaken_) {
+        // RECORD shows the event once for each client that wants it: the first decides.
+        if (!event.isIn && grab_ == Grab::none) {
             const std::uint32_t mask = xcb_get_setup(connection_)->resource_id_mask;
-            isTaken_ = grabbingClient_ == 0 || (event.window & ~mask) != grabbingClient_;
-            grabbingClient_ = 0;
+            const std::uint32_t client = std::exchange(grabbingClient_, 0);
+            grab_ = client != 0 && (event.window & ~mask) == client ? Grab::own : Grab::foreign;
             return true;
         }
         return false;
     case XCB_NOTIFY_MODE_UNGRAB:
-        if (event.isIn && isTaken_) {
-            isTaken_ = false;
+        if (event.isIn && grab_ != Grab::none) {
+            grab_ = Grab::none;
             askForFocus();
             return true;
         }
@@ -45,7 +48,7 @@ bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
         // Events from within a grab have a mode of their own: one without it says the grab is over,
         // also where the end of the grab itself was told to a window that nobody watches.
         if (event.mode == XCB_NOTIFY_MODE_NORMAL)
-            isTaken_ = false;
+            grab_ = Grab::none;
         askForFocus();
         // Between a window and one inside it: the focus stays where it is for a person, unless it
         // is the root that has it now or had it.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/linux/x11/x11_grab_probe.h"
 #include "host/linux/x11/x11_record_stream.h"
 
 #include <xcb/xcb.h>
@@ -26,7 +27,7 @@ public:
     void processReplies();
 
     /// Another client than the focused one reads the keys now.
-    [[nodiscard]] bool isKeyboardTaken() const { return isTaken_; }
+    [[nodiscard]] bool isKeyboardTaken() const { return grab_ == Grab::foreign; }
 
 private:
     void askForFocus();
@@ -34,12 +35,20 @@ private:
     void select(xcb_window_t window);
     [[nodiscard]] bool isRoot(xcb_window_t window) const;
 
+    /// Who holds the keyboard.
+    enum class Grab {
+        none,
+        own, ///< the focused application itself, for a menu or a list of completions
+        foreign,
+    };
+
     xcb_connection_t* connection_;
+    X11GrabProbe probe_{connection_};
     xcb_window_t followed_ = XCB_NONE;
     std::optional<xcb_get_input_focus_cookie_t> question_;
     /// The last client that asked for the keyboard, and not since a grab began.
     std::uint32_t grabbingClient_ = 0;
-    bool isTaken_ = false;
+    Grab grab_ = Grab::none;
 };
 
 } // namespace kelvora

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/x11_input_sources.h"
 
+#include "host/linux/x11/xcb_xkb.h"
 #include "host/linux/xkb/key_layout_data.h"
 #include "host/linux/xkb/keysym_text.h"
-
-// xcb/xkb.h has a field of this name (xcb-proto 1.15).
-#define explicit explicit_
-#include <xcb/xkb.h>
-#undef explicit
 
 #include <algorithm>
 #include <cstddef>

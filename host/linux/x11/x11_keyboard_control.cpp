@@ -6,7 +6,6 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
-#include <cstring>
 #include <string_view>
 
 namespace kelvora {
@@ -170,7 +169,8 @@ std::vector<X11SlaveKeyboard> X11KeyboardControl::slaveKeyboards() {
             xcb_input_xi_device_info_name(info.data),
             static_cast<std::size_t>(xcb_input_xi_device_info_name_length(info.data)));
         // The server itself makes and names these devices, one for each master.
-        result.push_back({info.data->deviceid, name.find("XTEST keyboard") != name.npos});
+        result.push_back(
+            {info.data->deviceid, name.find("XTEST keyboard") != std::string_view::npos});
     }
     return result;
 }

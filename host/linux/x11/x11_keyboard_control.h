@@ -3,6 +3,7 @@
 
 #include "host/focus_target.h"
 #include "host/linux/x11/x11_connection.h"
+#include "host/linux/x11/x11_grab_probe.h"
 #include "host/linux/x11/x11_keymap.h"
 #include "host/linux/xkb/character_keys.h"
 
@@ -36,6 +37,8 @@ public:
 
     /// Takes up what other clients did to the keyboard until now. False when the server is gone.
     bool synchronize();
+    /// Takes up what has arrived, without a question.
+    void processEvents();
     /// As of the last synchronize().
     [[nodiscard]] const X11KeyboardState& state() const { return keymap_->state(); }
     /// Changes with every change of the keymap, as of the last synchronize() or keys().
@@ -70,6 +73,7 @@ public:
     /// Empty without XInput 2.
     [[nodiscard]] std::vector<X11SlaveKeyboard> slaveKeyboards();
 
+    [[nodiscard]] bool isKeyboardGrabbed() { return grabProbe_.isKeyboardGrabbed(); }
     void grabServer() { xcb_grab_server(connection()); }
     void ungrabServer();
     void flush() { xcb_flush(connection()); }
@@ -77,9 +81,9 @@ public:
 private:
     X11KeyboardControl(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap);
     void sendKey(std::uint8_t keycode, bool press);
-    void processEvents();
 
     XcbConnectionPtr connection_;
+    X11GrabProbe grabProbe_{connection_.get()};
     std::unique_ptr<X11Keymap> keymap_;
     std::optional<CharacterKeys> keys_;
     std::uint64_t keysVersion_ = 0;

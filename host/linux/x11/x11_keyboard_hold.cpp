@@ -5,6 +5,7 @@
 
 #include <xcb/xinput.h>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -19,10 +20,15 @@ struct KeyMask {
 };
 
 bool isModifier(const CharacterKeys& keys, std::uint8_t keycode) {
-    for (const ModifierKeycode& key : keys.modifierKeys())
-        if (key.keycode == keycode)
-            return true;
-    return false;
+    return std::ranges::any_of(keys.modifierKeys(), [keycode](const ModifierKeycode& key) {
+        return key.keycode == keycode;
+    });
+}
+
+/// Waits until the server has done everything that was asked before.
+void awaitServer(xcb_connection_t* connection) {
+    const XcbPtr<xcb_get_input_focus_reply_t> answer(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
 } // namespace
@@ -83,6 +89,8 @@ void X11KeyboardHold::grabKeyboards() {
         const bool carries = carrier != 0 ? keyboard.id == carrier : keyboard.isXTest;
         if (!carries && !grab(keyboard.id)) {
             ungrabKeyboards();
+            readHeldEvents();
+            replayHeldEvents();
             return;
         }
     }
@@ -95,9 +103,7 @@ void X11KeyboardHold::grabKeyboards() {
     marked_.useCarrier();
     marked_.announceState();
     // Using the carrier gave the core keyboard its keymap: what changes from here on is news.
-    marked_.synchronize();
-    static_cast<void>(marked_.keys());
-    keymapVersion_ = marked_.keymapVersion();
+    keepKeymap();
 }
 
 void X11KeyboardHold::returnToUserKeyboard() {
@@ -126,9 +132,8 @@ bool X11KeyboardHold::grab(std::uint16_t deviceId) {
 void X11KeyboardHold::ungrabKeyboards() {
     for (const std::uint16_t device : grabbed_)
         xcb_input_xi_ungrab_device(grabbing_, XCB_CURRENT_TIME, device);
-    if (!grabbed_.empty()) // the answer says that the grabs are over
-        XcbPtr<xcb_get_input_focus_reply_t>(
-            xcb_get_input_focus_reply(grabbing_, xcb_get_input_focus(grabbing_), nullptr));
+    if (!grabbed_.empty())
+        awaitServer(grabbing_);
     grabbed_.clear();
 }
 
@@ -169,14 +174,24 @@ bool X11KeyboardHold::hasFocus() {
     return focus_->hasFocus();
 }
 
-bool X11KeyboardHold::post(const std::function<void()>& send) {
-    return focus_->post(send);
+bool X11KeyboardHold::hasFailed() {
+    const std::lock_guard lock(poster_.mutex_);
+    return focus_->hasFailed();
+}
+
+bool X11KeyboardHold::post(X11KeyboardControl& control, const std::function<void()>& send) {
+    return focus_->post(control, send);
+}
+
+void X11KeyboardHold::keepKeymap() {
+    marked_.synchronize();
+    static_cast<void>(marked_.keys());
+    keymapVersion_ = marked_.keymapVersion();
 }
 
 void X11KeyboardHold::readHeldEvents() {
     const auto* xinput = xcb_get_extension_data(grabbing_, &xcb_input_id);
-    XcbPtr<xcb_get_input_focus_reply_t>(
-        xcb_get_input_focus_reply(grabbing_, xcb_get_input_focus(grabbing_), nullptr));
+    awaitServer(grabbing_);
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(grabbing_)}) {
         const auto* key = reinterpret_cast<const xcb_input_key_press_event_t*>(event.get());
         if ((event->response_type & 0x7F) != XCB_GE_GENERIC ||

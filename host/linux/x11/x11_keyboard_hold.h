@@ -24,8 +24,13 @@ public:
     [[nodiscard]] bool settle() override;
     [[nodiscard]] bool hasFocus() override;
 
-    /// Calls `send` if what it posts reaches the target. With the poster's lock held.
-    bool post(const std::function<void()>& send);
+    [[nodiscard]] bool hasFailed() override;
+
+    /// Calls `send` if what it posts over `control` reaches the target. With the poster's lock
+    /// held.
+    bool post(X11KeyboardControl& control, const std::function<void()>& send);
+    /// The keymap was changed by ourselves, and has been put back. With the poster's lock held.
+    void keepKeymap();
 
 private:
     void grabKeyboards();
@@ -54,9 +59,13 @@ private:
     /// The device that the user typed on, as a carrier; absent when unknown.
     std::optional<std::uint16_t> userKeyboard_;
     std::vector<HeldEvent> events_;
-    std::uint64_t keymapVersion_ = 0; ///< when the keyboards were grabbed
-    X11KeySet downBefore_;            ///< what the user held when the hold began
-    X11KeySet down_;                  ///< modifiers that the carrier holds for the user at the end
+    std::uint64_t keymapVersion_ = 0; ///< as far as nobody else has changed it
+    /// What the user held when the hold began; let go of for the applications right then. Modifiers
+    /// of it are pressed again before the replay, on the carrier.
+    X11KeySet downBefore_;
+    /// Modifiers that the carrier holds after the replay: the user's fingers are still on them.
+    /// They become the poster's lent keys, which it lets go of when the user does.
+    X11KeySet down_;
 };
 
 } // namespace kelvora

@@ -15,9 +15,12 @@ bool X11Permissions::mayListenToEvents() {
     return hasExtension(&xcb_record_id) || hasExtension(&xcb_input_id);
 }
 
-bool X11Permissions::hasExtension(xcb_extension_t* extension) {
+void X11Permissions::processEvents() {
     while (XcbPtr<xcb_generic_event_t>(xcb_poll_for_event(connection_.get())))
-        continue; // MappingNotify comes unasked; it must not pile up
+        continue;
+}
+
+bool X11Permissions::hasExtension(xcb_extension_t* extension) {
     // xcb asks once for each connection and remembers.
     const auto* reply = xcb_get_extension_data(connection_.get(), extension);
     return xcb_connection_has_error(connection_.get()) == 0 && reply != nullptr &&

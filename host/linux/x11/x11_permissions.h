@@ -17,6 +17,9 @@ public:
     /// RECORD or XInput is there.
     [[nodiscard]] bool mayListenToEvents() override;
 
+    /// Takes up notices, so that they do not pile up in the server.
+    void processEvents();
+
 private:
     [[nodiscard]] bool hasExtension(xcb_extension_t* extension);
 

@@ -18,6 +18,9 @@ public:
     /// Resource id base of the connection that posts marked events; 0 while there is none.
     std::atomic<std::uint32_t> markedClient{0};
     std::atomic<std::int64_t> mark{0};
+    /// That of the connection that delivers the user's held keys: typing, but not from where it
+    /// seems to come.
+    std::atomic<std::uint32_t> replayingClient{0};
     /// The source of the last key press that was not ours: another program's XTEST keys, or a
     /// keyboard.
     std::atomic<bool> userTypesThroughXTest{false};

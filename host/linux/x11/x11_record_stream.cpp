@@ -147,6 +147,10 @@ int X11RecordStream::descriptor() const {
 }
 
 bool X11RecordStream::process() {
+    // MappingNotify comes unasked to every connection.
+    for (xcb_connection_t* connection : {control_.get(), data_.get()})
+        while (XcbPtr<xcb_generic_event_t>(xcb_poll_for_event(connection)))
+            continue;
     while (enabled_) {
         void* rawReply = nullptr;
         xcb_generic_error_t* rawError = nullptr;

@@ -34,6 +34,9 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
 
 void X11Services::processLayoutNotices() {
     inputSources_->processEvents();
+    // The same changes are told to the others, who do not watch their connections.
+    eventPoster_->processEvents();
+    permissions_->processEvents();
     if (!inputSources_->isConnected()) {
         layoutWatch_.reset();
         reportServerGone();

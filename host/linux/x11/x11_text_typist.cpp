@@ -107,15 +107,18 @@ bool typeBatch(X11KeyboardControl& control, std::span<const char32_t> text,
 
 } // namespace
 
-void typeText(X11KeyboardControl& control, std::u16string_view text, const X11KeyGate& gate) {
+bool typeText(X11KeyboardControl& control, std::u16string_view text, const X11KeyGate& gate) {
     const std::vector<char32_t> scalars = scalarsOf(text);
     std::span<const char32_t> rest(scalars);
+    bool hasBorrowed = false;
     while (!rest.empty() && control.synchronize()) {
         const std::size_t length = batchLength(control.keys(), rest);
+        hasBorrowed = hasBorrowed || !missing(control.keys(), rest.first(length)).empty();
         if (!typeBatch(control, rest.first(length), gate))
-            return;
+            break;
         rest = rest.subspan(length);
     }
+    return hasBorrowed;
 }
 
 } // namespace kelvora

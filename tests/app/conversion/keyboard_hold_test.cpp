@@ -129,6 +129,17 @@ TEST_F(KeyboardHoldTest, FocusThatMovesMidwayDoesNotLeaveHalfACorrection) {
     EXPECT_EQ(recorded(), u"й");
 }
 
+TEST_F(KeyboardHoldTest, ACorrectionThatDoesNotGetThroughSwitchesNothing) {
+    desktop.type(u"ghbdtn");
+    desktop.doubleShift();
+    desktop.at(0.06, [this] { desktop.windows.setGrabbed(true); });
+    desktop.run();
+    EXPECT_EQ(desktop.layouts.activeID, "us");
+    EXPECT_EQ(status(), nothing);
+    EXPECT_EQ(recorded(), u"");
+    EXPECT_FALSE(desktop.keyboard.isHeldBack());
+}
+
 TEST_F(KeyboardHoldTest, ClickDuringTheHoldLeavesNothingToConvert) {
     desktop.type(u"ghbdtn");
     desktop.doubleShift();

@@ -76,6 +76,7 @@ public:
     public:
         [[nodiscard]] bool settle() override { return true; }
         [[nodiscard]] bool hasFocus() override { return true; }
+        [[nodiscard]] bool hasFailed() override { return false; }
     };
 
     std::atomic<int> postedCount = 0;

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
+#include <thread>
 
 namespace kelvora {
 namespace {
@@ -129,6 +131,35 @@ TEST_P(X11Hold, FocusTakenInTheMiddleGoesBackForTheRest) {
     EXPECT_TRUE(rig.textBecomes(u"qabcd")) << "a correction is finished where it began";
     EXPECT_TRUE(rig.becomes([&] { return rig.otherText() == u"w"; }))
         << "whoever took the focus has it again, and the user's keys go there";
+}
+
+TEST_P(X11Hold, KeyboardTakenInTheMiddleIsWaitedFor) {
+    begin();
+    post(u"ab");
+    rig.other().grabKeyboard();
+    std::thread menu([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        rig.other().ungrabKeyboard();
+    });
+    post(u"cd");
+    menu.join();
+    EXPECT_FALSE(hold->hasFailed());
+    end();
+    EXPECT_TRUE(rig.textBecomes(u"qabcd"));
+    EXPECT_TRUE(rig.otherText().empty());
+}
+
+TEST_P(X11Hold, KeyboardTakenForGoodGetsNothing) {
+    begin();
+    post(u"ab");
+    rig.other().grabKeyboard();
+    post(u"cd");
+    EXPECT_TRUE(hold->hasFailed());
+    rig.other().ungrabKeyboard();
+    post(u"ef");
+    end();
+    EXPECT_EQ(rig.text(), u"qab");
+    EXPECT_TRUE(rig.otherText().empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, X11Hold,

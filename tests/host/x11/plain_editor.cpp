@@ -44,8 +44,25 @@ PlainEditor::~PlainEditor() {
 
 void PlainEditor::focus() {
     xcb_set_input_focus(connection_.get(), XCB_INPUT_FOCUS_PARENT, window_, XCB_CURRENT_TIME);
-    XcbPtr<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(
+    awaitServer();
+}
+
+void PlainEditor::awaitServer() {
+    const XcbPtr<xcb_get_input_focus_reply_t> answer(xcb_get_input_focus_reply(
         connection_.get(), xcb_get_input_focus(connection_.get()), nullptr));
+}
+
+void PlainEditor::grabKeyboard() {
+    const XcbPtr<xcb_grab_keyboard_reply_t> reply(
+        xcb_grab_keyboard_reply(connection_.get(),
+                                xcb_grab_keyboard(connection_.get(), 0, window_, XCB_CURRENT_TIME,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                nullptr));
+}
+
+void PlainEditor::ungrabKeyboard() {
+    xcb_ungrab_keyboard(connection_.get(), XCB_CURRENT_TIME);
+    awaitServer();
 }
 
 std::u16string PlainEditor::text() {

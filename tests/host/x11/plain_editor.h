@@ -20,12 +20,16 @@ public:
     ~PlainEditor();
 
     void focus();
+    /// Takes the keyboard as an open menu does, whoever has the focus, and gives it back.
+    void grabKeyboard();
+    void ungrabKeyboard();
     [[nodiscard]] xcb_window_t window() const { return window_; }
     [[nodiscard]] std::u16string text();
     /// The keysyms and modifiers of presses that typed nothing, such as "4+c" for Control-C.
     [[nodiscard]] std::string commands();
 
 private:
+    void awaitServer();
     void serve();
     void handleKey(xkb_state* state, const xcb_key_press_event_t& event);
 

@@ -36,6 +36,7 @@ public:
     void rest() override;
 
     [[nodiscard]] PlainEditor& editor() { return *editor_; }
+    [[nodiscard]] PlainEditor& other() { return *other_; }
     [[nodiscard]] const std::string& display() const { return server_.display(); }
     [[nodiscard]] _XDisplay* xlib() const { return xlib_; }
     [[nodiscard]] real::Keyboard& keyboard() { return *keyboard_; }

@@ -50,13 +50,16 @@ public:
     /// Where the next posted key goes; null: nowhere.
     [[nodiscard]] TextField* receiver() {
         hasBegun_ = hasBegun_ || hasFocus();
-        return hasBegun_ ? &keyboard_.windows_.field(target_) : nullptr;
+        hasFailed_ = hasFailed_ || !hasBegun_ || keyboard_.windows_.isGrabbed();
+        return hasFailed_ ? nullptr : &keyboard_.windows_.field(target_);
     }
+    [[nodiscard]] bool hasFailed() override { return hasFailed_; }
 
 private:
     Keyboard& keyboard_;
     FocusTarget target_;
     bool hasBegun_ = false;
+    bool hasFailed_ = false;
 };
 
 void Keyboard::press(KeyCode keyCode) {
