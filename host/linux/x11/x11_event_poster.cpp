@@ -123,9 +123,12 @@ void X11EventPoster::post(const InputEvent& event) {
         const auto gate = [&](const std::function<void()>& send) {
             return postGuarded(control, send);
         };
-        if (event.type == EventType::keyDown && typeText(control, event.text.view(), gate) &&
-            hold_ != nullptr)
-            hold_->keepKeymap();
+        if (event.type != EventType::keyDown)
+            return;
+        if (hold_ != nullptr)
+            hold_->noteForeignKeymap();
+        if (typeText(control, event.text.view(), gate) && hold_ != nullptr)
+            hold_->acceptKeymap();
     } else if (event.type == EventType::keyDown) {
         postKeyDown(control, event);
     } else if (event.type == EventType::keyUp) {

@@ -17,11 +17,6 @@ constexpr std::string_view rulesNamesProperty = "_XKB_RULES_NAMES";
 constexpr std::uint32_t maximumPropertyWords = 4096; // 16 KB; real ones have some 50 bytes
 constexpr int maximumRefreshes = 4;
 
-bool isSameSource(const InputSource& a, const InputSource& b) {
-    return a.id == b.id && a.localizedName == b.localizedName &&
-           *a.keyLayoutData == *b.keyLayoutData;
-}
-
 } // namespace
 
 std::unique_ptr<X11InputSources> X11InputSources::create(XcbConnectionPtr connection) {
@@ -65,21 +60,17 @@ bool X11InputSources::synchronize() {
     // The answer to this request comes after every notice of what happened before it.
     if (!keymap_->synchronizeState())
         return false;
-    catchUp();
-    return isConnected();
-}
-
-void X11InputSources::catchUp() {
-    handlePendingEvents();
+    processEvents();
     // Fetching may bring in notices of further changes; whoever never stops changing is not
     // awaited.
     for (int round = 0; areSourcesStale_ && round < maximumRefreshes; ++round) {
         refreshSources();
-        handlePendingEvents();
+        processEvents();
     }
+    return isConnected();
 }
 
-void X11InputSources::handlePendingEvents() {
+void X11InputSources::processEvents() {
     const std::uint64_t version = keymap_->version();
     bool isChanged = false;
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())}) {
@@ -100,16 +91,11 @@ void X11InputSources::refreshSources() {
     xkb_keymap* keymap = keymap_->keymap();
     areSourcesStale_ = !keymap_->isCurrent();
     std::vector<LayoutName> names = layoutNames(rules_, keymap, registry_);
-    std::vector<InputSource> sources;
+    sources_.clear();
     for (std::size_t group = 0; group < names.size(); ++group)
-        sources.push_back({true, std::move(names[group].id), std::move(names[group].name),
-                           makeKeyLayoutData(keymap, static_cast<xkb_layout_index_t>(group),
-                                             composeTable_.get())});
-    // The same keymap comes anew with every change between keyboards.
-    if (std::ranges::equal(sources, sources_, isSameSource))
-        return;
-    isChangePending_ = !sources_.empty(); // the first list is no change
-    sources_ = std::move(sources);
+        sources_.push_back({true, std::move(names[group].id), std::move(names[group].name),
+                            makeKeyLayoutData(keymap, static_cast<xkb_layout_index_t>(group),
+                                              composeTable_.get())});
 }
 
 void X11InputSources::readRulesNames() {
@@ -173,20 +159,6 @@ bool X11InputSources::isConnected() const {
 
 int X11InputSources::fileDescriptor() const {
     return xcb_get_file_descriptor(connection_.get());
-}
-
-void X11InputSources::processEvents() {
-    if (!onLayoutsChanged_) {
-        handlePendingEvents(); // what they mean is found out when somebody asks
-        return;
-    }
-    catchUp();
-    if (std::exchange(isChangePending_, false) && isConnected())
-        onLayoutsChanged_();
-}
-
-void X11InputSources::setOnLayoutsChanged(std::function<void()> handler) {
-    onLayoutsChanged_ = std::move(handler);
 }
 
 } // namespace kelvora

@@ -7,7 +7,6 @@
 #include "host/linux/xkb/layout_names.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -32,10 +31,8 @@ public:
     [[nodiscard]] bool isConnected() const;
     /// Readable when the server has sent notices; then processEvents() is due.
     [[nodiscard]] int fileDescriptor() const;
+    /// Takes the notices in; what they mean is found out when somebody asks.
     void processEvents();
-    /// Called from processEvents() when the list of sources, or what they type, has changed;
-    /// changes that another call was the first to see are left for the next processEvents().
-    void setOnLayoutsChanged(std::function<void()> handler);
 
 private:
     X11InputSources(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap);
@@ -43,8 +40,6 @@ private:
     [[nodiscard]] bool watchRulesNames();
     /// Brings everything up to date. False when the server is gone.
     [[nodiscard]] bool synchronize();
-    void catchUp();
-    void handlePendingEvents();
     void refreshSources();
     void readRulesNames();
     /// Null when the keymap has no groups. After synchronize().
@@ -57,12 +52,10 @@ private:
     LayoutRegistry registry_;
     RulesNames rules_;
     std::vector<InputSource> sources_; ///< one for each group of the keymap
-    std::function<void()> onLayoutsChanged_;
     xcb_window_t rootWindow_ = 0;
     xcb_atom_t rulesNamesAtom_ = 0;
     bool areRulesStale_ = true;
     bool areSourcesStale_ = true;
-    bool isChangePending_ = false; ///< not announced yet
 };
 
 } // namespace kelvora

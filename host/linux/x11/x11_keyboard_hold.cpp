@@ -56,8 +56,8 @@ X11KeyboardHold::~X11KeyboardHold() {
         readHeldEvents();
         replayHeldEvents();
         lendToCarrier();
-        marked_.synchronize();
-        if (marked_.keymapVersion() != keymapVersion_)
+        noteForeignKeymap();
+        if (hasForeignKeymap_)
             copyCoreKeymap(poster_.display_.c_str(), grabbed_);
         ungrabKeyboards();
         // What came between the last look and the end of the grab.
@@ -103,7 +103,7 @@ void X11KeyboardHold::grabKeyboards() {
     marked_.useCarrier();
     marked_.announceState();
     // Using the carrier gave the core keyboard its keymap: what changes from here on is news.
-    keepKeymap();
+    acceptKeymap();
 }
 
 void X11KeyboardHold::returnToUserKeyboard() {
@@ -183,7 +183,12 @@ bool X11KeyboardHold::post(X11KeyboardControl& control, const std::function<void
     return focus_->post(control, send);
 }
 
-void X11KeyboardHold::keepKeymap() {
+void X11KeyboardHold::noteForeignKeymap() {
+    marked_.synchronize();
+    hasForeignKeymap_ = hasForeignKeymap_ || marked_.keymapVersion() != keymapVersion_;
+}
+
+void X11KeyboardHold::acceptKeymap() {
     marked_.synchronize();
     static_cast<void>(marked_.keys());
     keymapVersion_ = marked_.keymapVersion();

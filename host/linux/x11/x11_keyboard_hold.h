@@ -29,8 +29,10 @@ public:
     /// Calls `send` if what it posts over `control` reaches the target. With the poster's lock
     /// held.
     bool post(X11KeyboardControl& control, const std::function<void()>& send);
-    /// The keymap was changed by ourselves, and has been put back. With the poster's lock held.
-    void keepKeymap();
+    /// Before and after something that may change the keymap for a moment: what changes in between
+    /// is our own doing. With the poster's lock held.
+    void noteForeignKeymap();
+    void acceptKeymap();
 
 private:
     void grabKeyboards();
@@ -59,7 +61,8 @@ private:
     /// The device that the user typed on, as a carrier; absent when unknown.
     std::optional<std::uint16_t> userKeyboard_;
     std::vector<HeldEvent> events_;
-    std::uint64_t keymapVersion_ = 0; ///< as far as nobody else has changed it
+    std::uint64_t keymapVersion_ = 0; ///< the last that is our own doing or was found
+    bool hasForeignKeymap_ = false;   ///< somebody changed the keymap since the keyboards are held
     /// What the user held when the hold began; let go of for the applications right then. Modifiers
     /// of it are pressed again before the replay, on the carrier.
     X11KeySet downBefore_;

@@ -43,15 +43,6 @@ TEST_F(SystemEventPosterTest, KeyGoesDownAndUpWithPauseAfterEach) {
     }
 }
 
-TEST_F(SystemEventPosterTest, HeldModifiersDoNotColourPostedEvents) {
-    desktop.keyboard.press(keyCode::leftShift);
-    poster.sendKey(keyCode::backspace, 0, 0);
-    poster.typeText(u"x");
-    for (const auto& posted : desktop.keyboard.posted) {
-        EXPECT_EQ(posted.event.flags, 0U);
-    }
-}
-
 TEST_F(SystemEventPosterTest, FailedEventIsSkippedWithItsPause) {
     desktop.keyboard.refuses = [](KeyCode, KeyDirection direction) {
         return direction == KeyDirection::down;
@@ -77,14 +68,11 @@ TEST_F(SystemEventPosterTest, TextIsCutIntoChunks) {
     const std::u16string n19(19, u'n');
     const std::u16string n20(20, u'n');
     const Case cases[] = {
-        {"empty", u"", {}},
-        {"one unit", u"я", {1}},
         {"a full chunk", n20, {20}},
         {"one more", n20 + u"x", {20, 1}},
         {"pair across the end of a chunk", n19 + u"😀", {19, 2}},
         {"pair at the very end of a chunk", n19.substr(1) + u"😀", {20}},
         {"pair ends a chunk that is not the last", n19.substr(1) + u"😀x", {20, 1}},
-        {"pair across the end of the second chunk", n20 + n19 + u"😀x", {20, 19, 3}},
         {"lone high surrogate, last", n19 + u'\xD83D', {20}},
         {"lone high surrogate, more behind", n19 + u'\xD83D' + u"x", {19, 2}},
     };
@@ -123,22 +111,15 @@ TEST_F(SystemEventPosterTest, WaitsForModifiers) {
         int leastReads, mostReads;
     };
     const Case cases[] = {
-        {"none held", keyCode::unknown, 0, 0.5, 0, 0, 1, 1},
         {"released meanwhile", keyCode::rightShift, 0.05, 0.3, 0.05, 0.06, 10, 13},
         {"held throughout", keyCode::leftShift, 9, 0.5, 0.5, 0.506, 99, 102},
-        {"Control", keyCode::leftControl, 9, 0.1, 0.1, 0.106, 19, 22},
-        {"Option", keyCode::rightOption, 9, 0.1, 0.1, 0.106, 19, 22},
-        {"Command", keyCode::leftCommand, 9, 0.1, 0.1, 0.106, 19, 22},
         {"Caps Lock is not waited for", keyCode::capsLock, 9, 0.3, 0, 0, 1, 1},
         {"no time", keyCode::leftShift, 9, 0, 0, 0, 0, 0},
-        {"less than no time", keyCode::leftShift, 9, -1, 0, 0, 0, 0},
     };
     for (const Case& testCase : cases) {
         SCOPED_TRACE(testCase.name);
-        if (testCase.held != keyCode::unknown) {
-            desktop.keyboard.press(testCase.held);
-            desktop.at(testCase.releasedAfter, [&] { desktop.keyboard.release(testCase.held); });
-        }
+        desktop.keyboard.press(testCase.held);
+        desktop.at(testCase.releasedAfter, [&] { desktop.keyboard.release(testCase.held); });
         desktop.keyboard.modifierStateReads = 0;
         started = desktop.scheduler.now();
         poster.waitForModifiersReleased(testCase.timeout);

@@ -3,20 +3,36 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "core/mapping/keyboard_mapping.h"
 #include "core/text/encoding.h"
-#include "tests/core/mapping/built_in_layouts.h"
 
 namespace kelvora {
 namespace {
 
 using Pairs = std::vector<PhysicalKeyPair>;
 
+/// The Latin and Russian rows as the keys of two layouts, with the digit row.
+Pairs builtInPairs() {
+    Pairs pairs;
+    const auto addRow = [&](std::u16string_view first, std::u16string_view second) {
+        for (std::size_t key = 0; key < first.size(); ++key) {
+            pairs.emplace_back(first.substr(key, 1), second.substr(key, 1));
+        }
+    };
+    addRow(KeyboardMapping::unshiftedLatin, KeyboardMapping::unshiftedRussian);
+    addRow(u"1234567890", u"1234567890");
+    addRow(KeyboardMapping::shiftedLatin, KeyboardMapping::shiftedRussian);
+    return pairs;
+}
+
 TEST(PhysicalLayoutMapping, convertsByKey) {
     const Pairs letters = {{u"q", u"й"}, {u"Q", u"Й"}, {u"[", u"х"}};
-    const std::u16string loneSurrogate(1, 0xD83D);
+    const Pairs numbers = {{u"1", u"&"}, {u"ab", u"x2"}, {u"\u4E00", u"y"}, {u"\u2116", u"#"}};
+    const Pairs twice = {{u"a", u"б"}, {u"a", u"в", false}, {u"c", u"б"}};
     struct Case {
         std::string name;
         Pairs pairs;
@@ -25,60 +41,28 @@ TEST(PhysicalLayoutMapping, convertsByKey) {
         std::u16string converted;
     };
     const std::vector<Case> cases = {
-        {"first to second", letters, u"q[", 0, u"йх"},
-        {"second to first", letters, u"йх", 1, u"q["},
+        {"first to second", letters, u"Q[ xyz\xD83D", 0, u"Йх xyz\xD83D"},
         {"any other index is the second", letters, u"йх", -3, u"q["},
-        {"nothing known", letters, u"xyz 1", 0, u"xyz 1"},
-        {"no pairs", {}, u"qй", 0, u"qй"},
-        {"first pair of a text wins", {{u"a", u"б"}, {u"a", u"в", false}}, u"a", 0, u"б"},
-        {"first pair wins for each side by itself",
-         {{u"a", u"б"}, {u"a", u"в", false}, {u"c", u"б"}},
-         u"бв",
-         1,
-         u"aa"},
+        {"first pair of a text wins", twice, u"ac", 0, u"бб"},
+        {"for each side by itself", twice, u"бв", 1, u"aa"},
         {"canonical twins are one key", {{u"\u212A", u"л"}, {u"K", u"ж"}}, u"K", 0, u"л"},
         {"twin in the text", {{u"K", u"л"}, {u";", u"ж"}}, u"\u212A\u037E", 0, u"лж"},
-        {"number on one side", {{u"1", u"&"}}, u"1", 0, u"1"},
-        {"number on the other side", {{u"1", u"&"}}, u"&", 1, u"&"},
-        {"number among several characters", {{u"ab", u"x2"}}, u"ab", 0, u"ab"},
+        {"numbers, and no number", numbers, u"1 ab \u4E00 \u2116", 0, u"1 ab \u4E00 #"},
+        {"beside numbers", numbers, u"& x2 y #", 1, u"& x2 y \u2116"},
         {"an identity by number keeps its place", {{u"&", u"1"}, {u"&", u"x"}}, u"&", 0, u"&"},
-        {"run of digits", {{u"2", u"!"}, {u"0", u"?"}, {u"4", u"+"}}, u"2024", 0, u"2024"},
-        {"ideograph that is a number", {{u"\u4E00", u"x"}}, u"\u4E00", 0, u"\u4E00"},
-        {"sign that is no number", {{u"\u2116", u"#"}}, u"\u2116", 0, u"#"},
         {"empty side", {{u"", u"б"}, {u"a", u""}}, u"aб", 1, u"aб"},
-        {"longest first", {{u"a", u"1а"}, {u"a", u"х"}, {u"ab", u"ю"}}, u"abab a", 0, u"юю a"},
-        {"long key after its start", {{u"a", u"х"}, {u"ab", u"ю"}}, u"aab", 0, u"хю"},
-        {"long key before its start", {{u"ab", u"ю"}, {u"a", u"х"}}, u"aaba", 0, u"хюх"},
+        {"longest first", {{u"a", u"х"}, {u"ab", u"ю"}}, u"aabab a", 0, u"хюю х"},
+        {"several units for one", {{u"b", u"لا"}}, u"لالا", 1, u"bb"},
+        {"decomposed й", letters, u"\u0438\u0306", 1, u"q"},
+        {"identity keeps the form", {{u"\u00E9", u"e\u0301"}}, u"e\u0301", 0, u"e\u0301"},
+        {"a marked letter is another character", letters, u"q\u0331q", 0, u"q\u0331й"},
+        {"rare scripts", {{u"\uFEFB", u"x"}, {u"\U00010400", u"y"}}, u"\uFEFB\U00010400", 0, u"xy"},
         {"long key over a block's end",
          {{u"xy", u"ю"}, {u"a", u"б"}},
          std::u16string(63, u'a') + u"xy" + std::u16string(64, u'a'),
          0,
          std::u16string(63, u'б') + u"ю" + std::u16string(64, u'б')},
-        {"several units for one", {{u"b", u"لا"}}, u"abb", 0, u"aلالا"},
-        {"and back", {{u"b", u"لا"}}, u"لالا", 1, u"bb"},
-        {"decomposed text", {{u"\u00E9", u"щ"}}, u"e\u0301e", 0, u"щe"},
-        {"decomposed key", {{u"e\u0301", u"щ"}}, u"\u00E9", 0, u"щ"},
-        {"identity keeps the form",
-         {{u"\u00E9", u"e\u0301"}},
-         u"e\u0301\u00E9",
-         0,
-         u"e\u0301\u00E9"},
-        {"a marked letter is another character", {{u"q", u"й"}}, u"q\u0331q", 0, u"q\u0331й"},
-        {"mark after a block's last letter",
-         {{u"q", u"й"}},
-         std::u16string(64, u'q') + u"\u0331",
-         0,
-         std::u16string(63, u'й') + u"q\u0331"},
-        {"key of letter and mark", {{u"q\u0331", u"й"}}, u"qq\u0331", 0, u"qй"},
-        {"supplementary", {{u"\U00010400", u"x"}}, u"\U00010400", 0, u"x"},
-        {"beyond the usual scripts",
-         {{u"\uFEFB", u"x"}, {u"\uAC00", u"y"}},
-         u"\uAC00\uFEFB",
-         0,
-         u"yx"},
         {"CR LF is one character", {{u"\n", u"x"}, {u"\r", u"y"}}, u"\r\n\n\r", 0, u"\r\nxy"},
-        {"broken text", letters, loneSurrogate + u"q" + loneSurrogate, 0,
-         loneSurrogate + u"й" + loneSurrogate},
     };
     for (const Case& testCase : cases) {
         const PhysicalLayoutMapping mapping(testCase.pairs);
@@ -88,16 +72,13 @@ TEST(PhysicalLayoutMapping, convertsByKey) {
 }
 
 TEST(PhysicalLayoutMapping, longestTokenCountsCharacters) {
-    EXPECT_EQ(PhysicalLayoutMapping(Pairs{}).maximumTokenLength(), 1);
     EXPECT_EQ(PhysicalLayoutMapping(Pairs{{u"e\u0331", u"\U0001F600"}}).maximumTokenLength(), 1);
-    EXPECT_EQ(PhysicalLayoutMapping(Pairs{{u"a", u"لا"}}).maximumTokenLength(), 2);
     EXPECT_EQ(PhysicalLayoutMapping(Pairs{{u"abc", u""}}).maximumTokenLength(), 1);
 }
 
 TEST(PhysicalLayoutMapping, decidesByLettersOfOneLayout) {
     const Pairs oneSided = {{u"", u"ж"}, {u"s", u""}, {u"x", u"ы", false}, {u".", u","}};
     const Pairs shared = {{u"a", u"a"}, {u"b", u"c"}, {u"c", u"b"}, {u"\u00E9", u"d"}};
-    const Pairs rare = {{u"\U00010400", u"q\u0331"}, {u"\uFEFB", u"x"}};
     struct Case {
         std::string name;
         Pairs pairs;
@@ -106,36 +87,22 @@ TEST(PhysicalLayoutMapping, decidesByLettersOfOneLayout) {
         std::optional<int> source;
     };
     const std::vector<Case> cases = {
-        {"Latin", builtInPairs(), u"ghbdtn", {}, 0},
-        {"Latin against the active layout", builtInPairs(), u"ghbdtn", 1, 0},
-        {"Cyrillic", builtInPairs(), u"руддщ", {}, 1},
         {"repeats count", builtInPairs(), u"abжжж", {}, 1},
-        {"tie, first active", builtInPairs(), u"aж", 0, 0},
         {"tie, second active", builtInPairs(), u"aж", 1, 1},
-        {"punctuation, first active", builtInPairs(), u".,", 0, 0},
         {"punctuation, second active", builtInPairs(), u".,", 1, 1},
         {"punctuation both would change", builtInPairs(), u".,", {}, {}},
         {"both would change, unknown index", builtInPairs(), u".,", 7, {}},
         {"only the first changes it", builtInPairs(), u"[", {}, 0},
-        {"only the first changes it, unknown index", builtInPairs(), u"[", 2, 0},
         {"only the first changes it, second active", builtInPairs(), u"[", 1, {}},
-        {"nothing changes", builtInPairs(), u"2024", 0, {}},
-        {"empty", builtInPairs(), u"", 0, {}},
-        {"no pairs", {}, u"abc", 0, {}},
         {"letter beside an empty side counts", oneSided, u"ж", {}, 1},
-        {"and on the other side", oneSided, u"s", {}, 0},
         {"not of a pair that is not primary", oneSided, u"ы.", 0, 0},
-        {"only the second changes it", oneSided, u"ы", {}, 1},
         {"shared letters never count", shared, u"abcbcb", 1, 1},
-        {"decomposed letter counts", shared, u"abce\u0301", {}, 0},
-        {"a marked letter is not the letter", builtInPairs(), u"a\u0331ж", {}, 1},
-        {"nor after a block's last letter",
+        {"a mark after a block's last letter",
          builtInPairs(),
          std::u16string(32, u'ж') + std::u16string(32, u'a') + u"\u0331",
          {},
          1},
-        {"supplementary letter", rare, u"\U00010400", 1, 0},
-        {"letter with a mark", rare, u"q\u0331q\u0331\uFEFB", 0, 1},
+        {"rare letters", {{u"\U00010400", u"q\u0331"}}, u"\U00010400\U00010400q\u0331", 1, 0},
     };
     for (const Case& testCase : cases) {
         const PhysicalLayoutMapping mapping(testCase.pairs);
@@ -145,9 +112,8 @@ TEST(PhysicalLayoutMapping, decidesByLettersOfOneLayout) {
 }
 
 TEST(PhysicalLayoutMapping, convertsStringsIntoTheOtherLayout) {
-    const PhysicalLayoutMapping mapping = builtInMapping();
+    const PhysicalLayoutMapping mapping(builtInPairs());
     EXPECT_EQ(mapping.convertString(u"Ghbdtn, vbh", {}), (StringConversion{u"Приветб мир", 1}));
-    EXPECT_EQ(mapping.convertString(u"руддщ", 0), (StringConversion{u"hello", 0}));
     EXPECT_EQ(mapping.convertString(u"2024", 0), std::nullopt);
     // Letters decide, but the text turns into its canonical twin only.
     const PhysicalLayoutMapping twin(Pairs{{u"x", u"x"}, {u"x\u0331", u"z", false}});
@@ -165,20 +131,13 @@ TEST(PhysicalLayoutMapping, followsACaret) {
     };
     const std::vector<Case> cases = {
         {u"", 0, u"", 0},
-        {u"", 5, u"", 0},
-        {u"aaa", 2, u"ааа", 2},
         {u"aba", 2, u"а\U0001F600а", 3},
-        {u"aba", 0, u"а\U0001F600а", 0},
         {u"aba", -1, u"а\U0001F600а", 0},
-        {u"aba", 3, u"а\U0001F600а", 4},
-        {u"aba", 9, u"а\U0001F600а", 4},
         {u"aba", {}, u"а\U0001F600а", 4},
         {u"aba", INT64_MAX, u"а\U0001F600а", 4},
         {u"aca", 2, u"аe\u0331fа", 3}, // one character of the output, two units
         {u"axyza", 2, u"аэа", 2},      // inside a token: after as many characters of its output
         {u"axyza", 4, u"аэа", 2},
-        {u"axyza", 5, u"аэа", 3},
-        {u"q\u0331a", 1, u"q\u0331а", 2},
         {u"\r\na", 2, u"\r\nа", 3},
     };
     const PhysicalLayoutMapping mapping(pairs);
@@ -187,6 +146,87 @@ TEST(PhysicalLayoutMapping, followsACaret) {
                   (Translation{testCase.converted, testCase.expected}))
             << toUtf8(testCase.text) << " at " << testing::PrintToString(testCase.caret);
     }
+}
+
+TEST(ConvertField, convertsSelectionOrWord) {
+    struct Case {
+        std::u16string text;
+        Utf16Range selection;
+        FieldConversion expected;
+    };
+    const std::vector<Case> cases = {
+        {u"ghbdtn", {3, 0}, {u"привет", Utf16Range{3, 0}, 1, {0, 6}, u"привет"}},
+        {u"ghbdtn vbh", {7, 0}, {u"привет vbh", Utf16Range{7, 0}, 1, {0, 6}, u"привет"}},
+        {u"ghbdtn", {0, 3}, {u"приdtn", Utf16Range{0, 3}, 1, {0, 3}, u"при"}},
+        {u"a руддщ", {7, 0}, {u"a hello", Utf16Range{7, 0}, 0, {2, 5}, u"hello"}},
+        {u"\U0001F600 f,", {5, 0}, {u"\U0001F600 аб", Utf16Range{5, 0}, 1, {3, 2}, u"аб"}},
+    };
+    const PhysicalLayoutMapping mapping(builtInPairs());
+    for (const Case& testCase : cases) {
+        EXPECT_EQ(mapping.convertField(testCase.text, testCase.selection, {}), testCase.expected)
+            << toUtf8(testCase.text);
+    }
+}
+
+TEST(ConvertField, movesTheCaretWithTheLength) {
+    const PhysicalLayoutMapping mapping(Pairs{{u"a", u"\U00010400"}, {u"b", u"cde"}});
+    EXPECT_EQ(
+        mapping.convertField(u"xaa b", Utf16Range{2, 0}, {}),
+        (FieldConversion{
+            u"x\U00010400\U00010400 b", Utf16Range{3, 0}, 1, {0, 3}, u"x\U00010400\U00010400"}));
+    EXPECT_EQ(mapping.convertField(u"cdecdez", Utf16Range{0, 6}, {}),
+              (FieldConversion{u"bbz", Utf16Range{0, 2}, 0, {0, 6}, u"bb"}));
+}
+
+TEST(ConvertField, refuses) {
+    const PhysicalLayoutMapping mapping(builtInPairs());
+    struct Case {
+        std::string name;
+        std::u16string text;
+        std::optional<Utf16Range> selection;
+    };
+    const std::vector<Case> cases = {
+        {"no selection", u"ghbdtn", {}},
+        {"inside a letter with its mark", u"qe\u0301q", Utf16Range{2, 0}},
+        {"caret after a line feed", u"ghbdtn\n", Utf16Range{7, 0}},
+        {"nothing changes", u"2024", Utf16Range{4, 0}},
+        {"undecided", u"a,", Utf16Range{1, 1}},
+    };
+    for (const Case& testCase : cases) {
+        EXPECT_FALSE(mapping.convertField(testCase.text, testCase.selection, {})) << testCase.name;
+    }
+    // The converted mark would join the letter before it, and the new selection would split both.
+    EXPECT_FALSE(
+        PhysicalLayoutMapping(Pairs{{u"k", u"\u0301"}}).convertField(u"ek", Utf16Range{1, 1}, {}));
+}
+
+TEST(ConvertTypedWord, erasesAndTypesTheLastWord) {
+    struct Case {
+        std::u16string text;
+        std::optional<TypedWordConversion> expected;
+    };
+    const std::vector<Case> cases = {
+        {u"ok ghbdtn  ", TypedWordConversion{8, u"привет  ", 1, u"ok привет  "}},
+        {u"ok\nруддщ", TypedWordConversion{5, u"hello", 0, u"ok\nhello"}},
+        {u"gh\U0001F468\u200D\U0001F469e\u0301 ",
+         TypedWordConversion{5, u"пр\U0001F468\u200D\U0001F469e\u0301 ", 1,
+                             u"пр\U0001F468\u200D\U0001F469e\u0301 "}},
+        {u"   ", {}},
+        {u"ghbdtn\n", {}},
+        {u"ghbdtn 2024", {}},
+    };
+    const PhysicalLayoutMapping mapping(builtInPairs());
+    for (const Case& testCase : cases) {
+        EXPECT_EQ(mapping.convertTypedWord(testCase.text, {}), testCase.expected)
+            << toUtf8(testCase.text);
+    }
+}
+
+TEST(ConvertTypedWord, comparesTextsCanonically) {
+    const TypedWordConversion conversion{1, u"\u00E9", 1, u"a\u00E9"};
+    EXPECT_EQ(conversion, (TypedWordConversion{1, u"e\u0301", 1, u"ae\u0301"}));
+    EXPECT_NE(conversion, (TypedWordConversion{1, u"e", 1, u"a\u00E9"}));
+    EXPECT_NE(conversion, (TypedWordConversion{1, u"\u00E9", 1, u"ae"}));
 }
 
 } // namespace

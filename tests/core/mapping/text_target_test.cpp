@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,41 +15,22 @@ namespace {
 
 TEST(TextTarget, validRangeFitsAndSplitsNothing) {
     const std::u16string text = u"a\U0001F600e\u0301\r\nb"; // starts at 0 1 3 5 7
-    struct Case {
-        Utf16Range range;
-        bool isValid;
-    };
-    const std::vector<Case> cases = {
-        {{0, 0}, true},
-        {{0, 8}, true},
-        {{8, 0}, true},
-        {{1, 2}, true},
-        {{3, 2}, true},
-        {{5, 2}, true},
-        {{9, 0}, false},
-        {{8, 1}, false},
-        {{0, 9}, false},
-        {{-1, 1}, false},
-        {{0, -1}, false},
-        {{2, 0}, false},
-        {{1, 1}, false},
-        {{4, 1}, false},
-        {{3, 1}, false},
-        {{6, 1}, false},
-        {{5, 1}, false},
-        {{INT64_MAX, 0}, false},
-        {{0, INT64_MAX}, false},
-        {{8, INT64_MAX}, false},
-        {{INT64_MAX, INT64_MAX}, false},
-        {{INT64_MIN, INT64_MIN}, false},
-    };
-    for (const Case& testCase : cases) {
-        const auto found = TextTarget::validRange(testCase.range, text);
-        EXPECT_EQ(found.has_value(), testCase.isValid)
-            << testCase.range.location << ", " << testCase.range.length;
-        if (found) {
-            EXPECT_EQ(found->utf16Range(), testCase.range);
+    const std::set<std::int64_t> boundaries = {0, 1, 3, 5, 7, 8};
+    for (std::int64_t location = -1; location <= 9; ++location) {
+        for (std::int64_t length = -1; length <= 9; ++length) {
+            const auto found = TextTarget::validRange({location, length}, text);
+            EXPECT_EQ(found.has_value(), length >= 0 && boundaries.contains(location) &&
+                                             boundaries.contains(location + length))
+                << location << ", " << length;
+            if (found) {
+                EXPECT_EQ(found->utf16Range(), (Utf16Range{location, length}));
+            }
         }
+    }
+    for (const std::int64_t huge : {INT64_MAX, INT64_MIN}) {
+        EXPECT_FALSE(TextTarget::validRange({8, huge}, text));
+        EXPECT_FALSE(TextTarget::validRange({huge, 0}, text));
+        EXPECT_FALSE(TextTarget::validRange({huge, huge}, text));
     }
     EXPECT_TRUE(TextTarget::validRange({0, 0}, u""));
 }
@@ -56,32 +38,18 @@ TEST(TextTarget, validRangeFitsAndSplitsNothing) {
 TEST(TextTarget, findsTheWordOfACaret) {
     // ^ is the caret, [ ] the target.
     const std::vector<std::u16string> cases = {
-        u"[word]^",
-        u"[wo^rd]",
-        u"[one]^ two",
         u"[one] ^two",
         u"one [t^wo] three",
-        u"[word]  ^",
         u"[word] \t\u00A0^",
         u"one [two]  ^  three",
         u"^word",
-        u"  ^word",
         u"^",
-        u"   ^",
         u"word\n^",
         u"word\n  ^next",
-        u"word\r\n^",
         u"word\u2028 ^",
-        u"word\u0085^",
-        u"word\v^",
-        u"one\n[tw^o]\nxyz",
-        u"one\r\n[two]^\r\nx",
-        u"[gh,2;]^",
+        u"one\r\n[tw^o]\r\nx",
         u"[e\u0301x]^ ",
-        u"a [\U0001F600]^",
         u"word\n[\u0301] ^x",
-        u"[word]\u2003^x",
-        u"one\u2029[two]^",
         u"[a\u200Bb]^",
     };
     for (const std::u16string& marked : cases) {
@@ -89,17 +57,13 @@ TEST(TextTarget, findsTheWordOfACaret) {
         TextRange expected;
         std::size_t caret = 0;
         for (const char16_t unit : marked) {
-            switch (unit) {
-            case u'[':
+            if (unit == u'[') {
                 expected.begin = text.size();
-                break;
-            case u']':
+            } else if (unit == u']') {
                 expected.end = text.size();
-                break;
-            case u'^':
+            } else if (unit == u'^') {
                 caret = text.size();
-                break;
-            default:
+            } else {
                 text.push_back(unit);
             }
         }

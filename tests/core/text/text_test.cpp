@@ -17,80 +17,15 @@ using namespace std::string_literals;
 constexpr char16_t loneLead = 0xD83D;
 constexpr char16_t loneTrail = 0xDE00;
 
-TEST(Text, splitsCharacters) {
-    const std::vector<std::vector<std::u16string>> cases = {
-        {},
-        {u"a", u"b"},
-        {u"a", u"\r\n", u"b"},
-        {u"\n", u"\r"},
-        {u"e\u0301", u"x"},
-        {u"x", u"\n", u"\u0301"},
-        {u"\U0001F468\u200D\U0001F469\u200D\U0001F467", u"!"},
-        {u"\U0001F1F7\U0001F1FA", u"\U0001F1FA\U0001F1F8", u"\U0001F1EB"},
-        {u"\u1112\u1161\u11AB", u"\uAE00"},
-        {u"\u0600a", u"b"}, // a prepended mark joins what follows
-        {u"a", std::u16string(1, loneLead), u"b", std::u16string(1, loneTrail)},
-        {u"a", std::u16string(1, loneTrail), std::u16string(1, loneLead)},
-    };
-    for (const std::vector<std::u16string>& expected : cases) {
-        std::u16string text;
-        std::vector<std::size_t> boundaries = {0};
-        for (const std::u16string& character : expected) {
-            text += character;
-            boundaries.push_back(text.size());
-        }
-        SCOPED_TRACE(toUtf8(text));
-        std::vector<std::u16string> found;
-        for (const std::u16string_view character : Characters(text)) {
-            found.emplace_back(character);
-        }
-        EXPECT_EQ(found, expected);
-        EXPECT_EQ(characterCount(text), expected.size());
-
-        CharacterSegmenter segmenter(text);
-        std::vector<std::size_t> accepted;
-        for (std::size_t offset = 0; offset <= text.size() + 1; ++offset) {
-            if (segmenter.isBoundary(offset)) {
-                accepted.push_back(offset);
-            }
-        }
-        EXPECT_EQ(accepted, boundaries);
-        for (std::size_t i = boundaries.size() - 1; i > 0; --i) {
-            EXPECT_EQ(segmenter.previous(boundaries[i]), boundaries[i - 1]);
-        }
-    }
-}
-
 TEST(Text, comparesCanonically) {
-    struct Case {
-        std::u16string left;
-        std::u16string right;
-        bool isEqual;
-    };
-    const std::vector<Case> cases = {
-        {u"", u"", true},
-        {u"a", u"", false},
-        {u"ab", u"a", false},
-        {u"caf\u00E9", u"cafe\u0301", true},
-        {u"cafe", u"cafe\u0301", false},
-        {u"e\u0301", u"\u00E9x", false},
-        {u"\u212A", u"K", true},
-        {u"\u212B", u"A\u030A", true},
-        {u"\u037E", u";", true},
-        {u"\u1FEF", u"`", true},
-        {u"\u0438\u0306", u"\u0439", true},
-        {u"q\u0307\u0323", u"q\u0323\u0307", true},
-        {u"\u1112\u1161\u11AB", u"\uD55C", true},
-        {u"\uFB01", u"fi", false},
-        {u"\u2002", u"\u2000", true},
-        {std::u16string(1, loneLead), u"\uFFFD", false},
-        {std::u16string(1, loneLead), std::u16string(1, loneLead), true},
-    };
-    for (const Case& testCase : cases) {
-        SCOPED_TRACE(toUtf8(testCase.left) + " and " + toUtf8(testCase.right));
-        EXPECT_EQ(canonicallyEqual(testCase.left, testCase.right), testCase.isEqual);
-        EXPECT_EQ(canonicallyEqual(testCase.right, testCase.left), testCase.isEqual);
+    const std::u16string cafe = u"cafe\u0301";
+    for (const char16_t* other : {u"", u"cafe", u"caf\u00E9x", u"café\u0323"}) {
+        EXPECT_FALSE(canonicallyEqual(cafe, other)) << toUtf8(other);
+        EXPECT_FALSE(canonicallyEqual(other, cafe)) << toUtf8(other);
     }
+    EXPECT_TRUE(canonicallyEqual(cafe, u"caf\u00E9"));
+    EXPECT_FALSE(canonicallyEqual(std::u16string(1, loneLead), u"\uFFFD"));
+    // Longer than what normalisation has room for on its stack.
     EXPECT_EQ(toNfc(u"xe\u0301" + std::u16string(100, u'\u0323')).size(), 102u);
 }
 
@@ -109,33 +44,20 @@ TEST(Text, classesGoByTheFirstScalar) {
     };
     const std::vector<Case> cases = {
         {u"", ""},
-        {u"a", "l"},
-        {u"\u0439", "l"},
-        {u"e\u0301", "l"},
+        {u"a\u0301", "l"},
         {u"7", "n"},
-        {u"\u00BD", "n"},
         {u"\u2167", "ln"}, // Roman numeral eight
         {u"\u4E00", "ln"}, // the ideograph one
         {u"\u2116", ""},   // numero sign
         {u"\U0001D7D8", "n"},
-        {u"\U00010400", "l"},
         {u" ", "w"},
-        {u" \u0301", "w"},
         {u"\u00A0", "w"},
-        {u"\u3000", "w"},
         {u"\t", "wc"},
-        {u"\n", "wbc"},
         {u"\v", "wbc"},
-        {u"\f", "wbc"},
         {u"\r\n", "wbc"},
         {u"\u0085", "wbc"},
         {u"\u2028", "wb"},
-        {u"\u2029", "wb"},
-        {u"\u001F", "c"},
         {u"\u200B", "c"},
-        {u"\uFEFF", "c"},
-        {u"\u180E", "c"},
-        {u"\u00AD", "c"},
         {u"\u200D", "c"},
         {u"\U000E0001", "c"},
         {u"\u0301", ""},
@@ -143,27 +65,22 @@ TEST(Text, classesGoByTheFirstScalar) {
     };
     for (const Case& testCase : cases) {
         const std::u16string& character = testCase.character;
-        std::string classes;
-        classes += isLetter(character) ? "l" : "";
+        std::string classes = isLetter(character) ? "l" : "";
         classes += isNumber(character) ? "n" : "";
         classes += isWhitespace(character) ? "w" : "";
         classes += isLineBreak(character) ? "b" : "";
         classes += containsControl(character) ? "c" : "";
         EXPECT_EQ(classes, testCase.classes) << testing::PrintToString(character);
     }
-}
-
-TEST(Text, whitespaceHasTwentyFiveScalars) {
-    int count = 0;
+    int whitespaces = 0;
     for (char16_t unit = 0; unit < 0xFFFF; ++unit) {
-        count += isWhitespace({&unit, 1}) ? 1 : 0;
+        whitespaces += isWhitespace({&unit, 1}) ? 1 : 0;
     }
-    EXPECT_EQ(count, 25);
+    EXPECT_EQ(whitespaces, 25);
 }
 
 TEST(Text, trimsBothEnds) {
     EXPECT_EQ(trimmed(u" \t\r\n\u00A0\u0085\u2029a b\u3000\f"), u"a b");
-    EXPECT_EQ(trimmed(u" \n"), u"");
     EXPECT_EQ(trimmed(u"\u200Ba \u0301"), u"\u200Ba \u0301");
 }
 
@@ -173,9 +90,7 @@ TEST(Text, replacesMalformedInput) {
         std::u16string utf16;
     };
     const std::vector<Case> fromUtf8 = {
-        {"a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"s, u"a\u00E9\u20AC\U0001F600"},
-        {"\0b"s, u"\0b"s},
-        {"\x80\xBF"s, u"\uFFFD\uFFFD"},
+        {"\0a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"s, u"\0a\u00E9\u20AC\U0001F600"s},
         {"\xC0\xAF"s, u"\uFFFD\uFFFD"},                     // overlong
         {"\xE0\x80\x80"s, u"\uFFFD\uFFFD\uFFFD"},           // overlong
         {"\xED\xA0\x80"s, u"\uFFFD\uFFFD\uFFFD"},           // surrogate

@@ -17,29 +17,14 @@ TEST(TypedTextBuffer, recordsOrEmpties) {
         bool isRecorded;
     };
     const std::vector<Case> cases = {
-        {"letter", u"x", true},
-        {"several letters with a space", u"x y", true},
-        {"plain space", u" ", true},
+        {"plain spaces between letters", u" x \U0001F600", true},
         {"letter with a mark", u"e\u0301", true},
-        {"emoji", u"\U0001F600", true},
-        {"function application, a format scalar", u"\u2061", false},
         {"nothing", u"", false},
         {"tab", u"\t", false},
-        {"line feed", u"\n", false},
-        {"carriage return", u"\r", false},
-        {"CR LF", u"\r\n", false},
         {"no-break space", u"\u00A0", false},
-        {"ideographic space", u"\u3000", false},
-        {"line separator", u"\u2028", false},
         {"space that carries a mark", u" \u0301", false},
-        {"NUL", std::u16string(1, u'\0'), false},
-        {"unit separator", u"\x1F", false},
         {"delete", u"\x7F", false},
-        {"C1 control", u"\u0085", false},
-        {"zero width space", u"\u200B", false},
-        {"left-to-right mark", u"\u200E", false},
         {"joiner inside an emoji", u"\U0001F468\u200D\U0001F469", false},
-        {"soft hyphen", u"\u00AD", false},
         {"supplementary tag", u"\U000E0041", false},
         {"control after letters", u"ab\x1B", false},
     };
@@ -53,21 +38,14 @@ TEST(TypedTextBuffer, recordsOrEmpties) {
 }
 
 TEST(TypedTextBuffer, keepsTheNewestCharacters) {
-    TypedTextBuffer buffer;
-    std::u16string typed;
-    for (char16_t i = 0; i < 205; ++i) {
-        typed.push_back(static_cast<char16_t>(u'\u4E00' + i));
-        buffer.record(typed.substr(i));
-    }
-    EXPECT_EQ(buffer.text(), typed.substr(5));
-
-    // Characters count, not units.
-    std::u16string faces;
+    std::u16string faces; // characters count, not units
     for (int i = 0; i < 199; ++i) {
         faces += u"\U0001F600";
     }
+    TypedTextBuffer buffer;
+    buffer.record(u"xyz");
     buffer.record(faces);
-    EXPECT_EQ(buffer.text(), typed.substr(204) + faces);
+    EXPECT_EQ(buffer.text(), u"z" + faces);
     buffer.record(u"a" + faces + u"bc");
     EXPECT_EQ(buffer.text(), faces.substr(2) + u"bc");
 }
@@ -75,13 +53,7 @@ TEST(TypedTextBuffer, keepsTheNewestCharacters) {
 TEST(TypedTextBuffer, deletesCharactersAsRecorded) {
     TypedTextBuffer buffer;
     buffer.deleteBackward();
-    EXPECT_EQ(buffer.text(), u"");
-
-    buffer.record(u"abc");
-    buffer.deleteBackward();
-    EXPECT_EQ(buffer.text(), u"ab");
-
-    buffer.record(u"e\u0301");
+    buffer.record(u"abe\u0301");
     buffer.deleteBackward();
     EXPECT_EQ(buffer.text(), u"ab");
 
@@ -90,9 +62,6 @@ TEST(TypedTextBuffer, deletesCharactersAsRecorded) {
     buffer.record(u"\u0301");
     buffer.deleteBackward();
     EXPECT_EQ(buffer.text(), u"abe");
-
-    buffer.reset();
-    EXPECT_EQ(buffer.text(), u"");
 }
 
 TEST(TypedTextBuffer, replacesOnlyWhatIsExpected) {
@@ -102,17 +71,13 @@ TEST(TypedTextBuffer, replacesOnlyWhatIsExpected) {
         std::u16string replacement;
         std::u16string after;
     };
-    const std::u16string longText(300, u'z');
+    const std::u16string longText(300, u'\n');
     const std::vector<Case> cases = {
-        {"same text", u"caf\u00E9", u"b", u"b"},
         {"canonically equal text", u"cafe\u0301", u"b", u"b"},
         {"prefix", u"caf", u"b", u"caf\u00E9"},
-        {"longer", u"caf\u00E9 ", u"b", u"caf\u00E9"},
         {"without the mark", u"cafe", u"b", u"caf\u00E9"},
-        {"empty", u"", u"b", u"caf\u00E9"},
         {"by nothing", u"caf\u00E9", u"", u""},
-        {"unchecked content", u"caf\u00E9", u"x\n\u00A0", u"x\n\u00A0"},
-        {"unchecked length", u"caf\u00E9", longText, longText},
+        {"unchecked length and content", u"caf\u00E9", longText, longText},
     };
     for (const Case& testCase : cases) {
         TypedTextBuffer buffer;

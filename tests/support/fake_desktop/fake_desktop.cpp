@@ -27,11 +27,11 @@ void FakeDesktop::tap(KeyCode keyCode) {
     runFor(typingPause);
 }
 
-void FakeDesktop::doubleShift(KeyCode first, KeyCode second) {
-    tap(first);
-    keyboard.press(second);
+void FakeDesktop::doubleShift() {
+    tap(keyCode::leftShift);
+    keyboard.press(keyCode::leftShift);
     runFor(tapLength);
-    keyboard.release(second);
+    keyboard.release(keyCode::leftShift);
 }
 
 void FakeDesktop::strike(char16_t label) {

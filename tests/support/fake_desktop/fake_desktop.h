@@ -17,10 +17,9 @@ namespace kelvora::fake {
 class GrantedPermissions final : public Permissions {
 public:
     bool accessibility = true;
-    bool inputMonitoring = true;
 
     [[nodiscard]] bool isAccessibilityTrusted() override { return accessibility; }
-    [[nodiscard]] bool mayListenToEvents() override { return inputMonitoring; }
+    [[nodiscard]] bool mayListenToEvents() override { return true; }
 };
 
 /// A whole session in memory, in virtual time: an editor with the focus, US and Russian layouts,
@@ -49,7 +48,7 @@ public:
     void type(std::u16string_view labels);
     void tap(KeyCode keyCode);
     /// Two taps of Shift; the last key goes up at the moment of return.
-    void doubleShift(KeyCode first = keyCode::leftShift, KeyCode second = keyCode::leftShift);
+    void doubleShift();
 
     /// A key struck at once, for keys at given times: `at(0.03, [&] { strike(u'x'); })`.
     void strike(char16_t label);

@@ -63,12 +63,10 @@ private:
 };
 
 void Keyboard::press(KeyCode keyCode) {
-    physicallyDown_.insert(keyCode);
     deliver({keyCode, KeyDirection::down});
 }
 
 void Keyboard::release(KeyCode keyCode) {
-    physicallyDown_.erase(keyCode);
     deliver({keyCode, KeyDirection::up});
 }
 

@@ -61,7 +61,6 @@ private:
     EventHub& hub_;
     Layouts& layouts_;
     Windows& windows_;
-    std::set<KeyCode> physicallyDown_;
     std::set<KeyCode> modifiersDown_; // as the session sees them
     Hold* hold_ = nullptr;
     std::vector<UserKey> heldBack_;

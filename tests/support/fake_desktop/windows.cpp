@@ -10,19 +10,9 @@ void TextField::receive(const InputEvent& event) {
         return;
     }
     if (!event.text.empty()) {
-        text_.insert(caret_, event.text.view());
-        caret_ += event.text.view().size();
-        return;
-    }
-    CharacterSegmenter characters(text_);
-    if (event.keyCode == keyCode::backspace && caret_ > 0) {
-        const std::size_t previous = characters.previous(caret_);
-        text_.erase(previous, caret_ - previous);
-        caret_ = previous;
-    } else if (event.keyCode == keyCode::leftArrow && caret_ > 0) {
-        caret_ = characters.previous(caret_);
-    } else if (event.keyCode == keyCode::rightArrow && caret_ < text_.size()) {
-        caret_ = characters.next(caret_);
+        text_ += event.text.view();
+    } else if (event.keyCode == keyCode::backspace && !text_.empty()) {
+        text_.erase(CharacterSegmenter(text_).previous(text_.size()));
     }
 }
 

@@ -4,7 +4,6 @@
 #include "host/input_event.h"
 #include "host/workspace.h"
 
-#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -12,7 +11,7 @@
 
 namespace kelvora::fake {
 
-/// The text of one window, with its caret, as an ordinary editor keeps it.
+/// The text of one window, as an ordinary editor keeps it; the caret stays at its end.
 class TextField {
 public:
     /// A key went down in the window, and types `event.text` if it types anything.
@@ -22,7 +21,6 @@ public:
 
 private:
     std::u16string text_;
-    std::size_t caret_ = 0; // UTF-16 units
 };
 
 /// The windows of the session, each an application of its own, and the focus.
