@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/contracts/event_poster_contract.h"
 #include "tests/support/contracts/event_source_contract.h"
+#include "tests/support/contracts/input_sources_contract.h"
 #include "tests/support/contracts/workspace_contract.h"
 #include "tests/support/fake_desktop/fake_desktop.h"
 
@@ -32,13 +33,26 @@ private:
     fake::FakeDesktop desktop_;
 };
 
-std::unique_ptr<DesktopRig> makeRig() {
-    return std::make_unique<FakeRig>();
-}
+const RigFactory rig{"FakeDesktop", [] { return std::make_unique<FakeRig>(); }};
 
-INSTANTIATE_TEST_SUITE_P(FakeDesktop, EventPosterContract, testing::Values(RigFactory(makeRig)));
-INSTANTIATE_TEST_SUITE_P(FakeDesktop, EventSourceContract, testing::Values(RigFactory(makeRig)));
-INSTANTIATE_TEST_SUITE_P(FakeDesktop, WorkspaceContract, testing::Values(RigFactory(makeRig)));
+INSTANTIATE_TEST_SUITE_P(Each, EventPosterContract, testing::Values(rig), factoryName);
+INSTANTIATE_TEST_SUITE_P(Each, EventSourceContract, testing::Values(rig), factoryName);
+INSTANTIATE_TEST_SUITE_P(Each, WorkspaceContract, testing::Values(rig), factoryName);
+
+class FakeSources final : public InputSourcesWorld {
+public:
+    FakeSources() { desktop_.layouts.enabled.push_back(fake::greekLayout()); }
+    InputSources& sources() override { return desktop_.layouts; }
+    const KeyTranslator& translator() override { return desktop_.translator; }
+
+private:
+    fake::FakeDesktop desktop_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, InputSourcesContract,
+                         testing::Values(InputSourcesFactory{
+                             "FakeDesktop", [] { return std::make_unique<FakeSources>(); }}),
+                         factoryName);
 
 } // namespace
 } // namespace kelvora::contract

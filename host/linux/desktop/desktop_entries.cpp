@@ -136,7 +136,7 @@ std::string_view fileName(std::string_view path) {
 
 std::vector<fs::path> standardApplicationDirectories() {
     std::vector<fs::path> directories;
-    // The specification has relative paths ignored.
+    // Relative paths in these variables are to be ignored.
     const auto add = [&](const fs::path& base) {
         if (base.is_absolute())
             directories.push_back(base / "applications");

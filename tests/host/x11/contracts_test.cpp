@@ -7,13 +7,11 @@
 namespace kelvora::contract {
 namespace {
 
-std::unique_ptr<DesktopRig> makeRig() {
-    return std::make_unique<X11Rig>();
-}
+const RigFactory rig{"X11", [] { return std::make_unique<X11Rig>(); }};
 
-INSTANTIATE_TEST_SUITE_P(X11, EventPosterContract, testing::Values(RigFactory(makeRig)));
-INSTANTIATE_TEST_SUITE_P(X11, EventSourceContract, testing::Values(RigFactory(makeRig)));
-INSTANTIATE_TEST_SUITE_P(X11, WorkspaceContract, testing::Values(RigFactory(makeRig)));
+INSTANTIATE_TEST_SUITE_P(Each, EventPosterContract, testing::Values(rig), factoryName);
+INSTANTIATE_TEST_SUITE_P(Each, EventSourceContract, testing::Values(rig), factoryName);
+INSTANTIATE_TEST_SUITE_P(Each, WorkspaceContract, testing::Values(rig), factoryName);
 
 } // namespace
 } // namespace kelvora::contract

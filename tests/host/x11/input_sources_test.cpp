@@ -13,7 +13,7 @@
 namespace kelvora {
 namespace {
 
-class X11World : public contracts::InputSourcesWorld {
+class X11World : public contract::InputSourcesWorld {
 public:
     X11World() { server_.setLayouts("us,ru,de"); }
     InputSources& sources() override { return *sources_; }
@@ -26,12 +26,12 @@ public:
 
 } // namespace
 
-namespace contracts {
+namespace contract {
 INSTANTIATE_TEST_SUITE_P(X11, InputSourcesContract,
                          testing::Values(InputSourcesFactory{
                              "X11", [] { return std::make_unique<X11World>(); }}),
                          [](const auto& suite) { return suite.param.name; });
-} // namespace contracts
+} // namespace contract
 
 namespace {
 

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -50,7 +51,17 @@ public:
     }
 };
 
-using RigFactory = std::function<std::unique_ptr<DesktopRig>()>;
+struct RigFactory {
+    std::string name;
+    std::function<std::unique_ptr<DesktopRig>()> make;
+
+    friend void PrintTo(const RigFactory& factory, std::ostream* stream) {
+        *stream << factory.name;
+    }
+};
+
+/// The instantiation's name for a suite: that of its factory.
+inline constexpr auto factoryName = [](const auto& suite) { return suite.param.name; };
 
 /// Key codes of letters that the suites strike; the labels are those of a US board.
 inline constexpr KeyCode keyQ = 12;

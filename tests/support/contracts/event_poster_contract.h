@@ -25,7 +25,7 @@ protected:
         rig->onWorker([&] { post(keyCode, text, flags); });
     }
 
-    std::unique_ptr<DesktopRig> rig = GetParam()();
+    std::unique_ptr<DesktopRig> rig = GetParam().make();
     EventPoster& poster = rig->services().eventPoster;
 };
 

@@ -28,7 +28,7 @@ protected:
         eventMaskBit(EventType::keyDown) | eventMaskBit(EventType::flagsChanged) |
         eventMaskBit(EventType::otherMouseDown);
 
-    std::unique_ptr<DesktopRig> rig = GetParam()();
+    std::unique_ptr<DesktopRig> rig = GetParam().make();
     std::vector<InputEvent> events;
     std::unique_ptr<EventTap> tap = rig->services().eventSource.createTap(
         allEvents, [this](const InputEvent& event) { events.push_back(event); });

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace kelvora::contracts {
+namespace kelvora::contract {
 
 /// A desktop with exactly three layouts enabled: US (active), Russian, and any third one.
 class InputSourcesWorld {
@@ -101,4 +101,4 @@ TEST_P(InputSourcesContract, refusesASourceThatIsNotEnabled) {
     EXPECT_EQ(sources_.currentSource()->id, enabled().at(1).id);
 }
 
-} // namespace kelvora::contracts
+} // namespace kelvora::contract

@@ -10,7 +10,7 @@ namespace kelvora::contract {
 /// What every Workspace promises. Included and instantiated as the others.
 class WorkspaceContract : public testing::TestWithParam<RigFactory> {
 protected:
-    std::unique_ptr<DesktopRig> rig = GetParam()();
+    std::unique_ptr<DesktopRig> rig = GetParam().make();
     Workspace& workspace = rig->services().workspace;
 };
 

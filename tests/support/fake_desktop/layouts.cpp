@@ -106,11 +106,12 @@ std::optional<InputSource> Layouts::currentSource() {
 }
 
 bool Layouts::select(const InputSource& source) {
-    if (refusesSelection) {
+    if (refusesSelection || !source.id ||
+        std::ranges::find(enabled, source.id, &InputSource::id) == enabled.end()) {
         return false;
     }
-    activeID = source.id.value_or("");
-    return active() != nullptr;
+    activeID = *source.id;
+    return true;
 }
 
 const InputSource* Layouts::active() const {
