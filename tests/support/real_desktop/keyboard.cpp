@@ -90,6 +90,13 @@ void Keyboard::post(unsigned keyCode, bool isPress) {
     XFlush(display_);
 }
 
+Keyboard::~Keyboard() {
+    // The server closes the device with the display, which may be gone already.
+    if (physicalDevice_ != nullptr) {
+        XFree(physicalDevice_);
+    }
+}
+
 void Keyboard::press(unsigned keyCode) {
     post(keyCode, true);
 }

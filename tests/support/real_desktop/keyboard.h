@@ -41,6 +41,9 @@ inline constexpr unsigned numLock = 77;
 class Keyboard {
 public:
     explicit Keyboard(_XDisplay* display);
+    ~Keyboard();
+    Keyboard(const Keyboard&) = delete;
+    Keyboard& operator=(const Keyboard&) = delete;
 
     void setSource(KeySource source) { source_ = source; }
     void setRhythm(Rhythm rhythm) { rhythm_ = rhythm; }
