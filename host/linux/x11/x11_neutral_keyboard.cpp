@@ -20,13 +20,9 @@ X11NeutralKeyboard::X11NeutralKeyboard(X11KeyboardControl& control, Locks locks)
             if (down[key.keycode])
                 control_.releaseKey(key.keycode);
     }
-    std::uint8_t keep = locked_;
-    if (locks == Locks::keep)
-        keep = static_cast<std::uint8_t>(keep & ~changingModifiers);
-    else if (locks == Locks::clearCapsLock)
-        keep = static_cast<std::uint8_t>(keep & ~changingModifiers & ~capsLock);
-    else
-        keep = 0;
+    auto keep = static_cast<std::uint8_t>(locked_ & ~changingModifiers);
+    if (locks == Locks::clearCapsLock)
+        keep = static_cast<std::uint8_t>(keep & ~capsLock);
     if (keep != locked_ || found_.latchedModifiers != 0)
         setLocked(keep);
 }

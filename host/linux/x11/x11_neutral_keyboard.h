@@ -16,7 +16,6 @@ public:
     enum class Locks {
         keep,          ///< Caps Lock and Num Lock do no harm to what follows
         clearCapsLock, ///< letters follow
-        clearAll,
     };
 
     /// The control is synchronised, and outlives the object.

@@ -38,8 +38,16 @@ X11SpareKeys::~X11SpareKeys() {
         return;
     control_.flush();
     std::this_thread::sleep_for(decodeTime);
-    for (const Loan& loan : loans_)
-        setKey(control_.connection(), loan.keycode, XKB_KEY_NoSymbol);
+    // A keymap that came meanwhile may have a meaning for the key: then it is not ours any more.
+    if (!control_.synchronize())
+        return;
+    xkb_keymap* const keymap = control_.keymap();
+    for (const Loan& loan : loans_) {
+        const xkb_keysym_t* keysyms = nullptr;
+        const int count = xkb_keymap_key_get_syms_by_level(keymap, loan.keycode, 0, 0, &keysyms);
+        if (count == 1 && keysyms[0] == xkb_utf32_to_keysym(loan.character))
+            setKey(control_.connection(), loan.keycode, XKB_KEY_NoSymbol);
+    }
     control_.flush();
 }
 
