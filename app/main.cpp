@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/shell/app_delegate.h"
+#include "host/linux/atspi/atspi_services.h"
 #include "host/linux/desktop/stderr_log.h"
 #include "host/linux/loop/qt_dispatch.h"
 #include "host/linux/loop/qt_event_loop.h"
@@ -77,17 +78,20 @@ int main(int argc, char** argv) {
     }
 
     QtEventLoop loop;
-    const auto services = X11Services::create(display, loop, [&log] {
+    SecureEntry secureEntry;
+    const auto services = X11Services::create(display, loop, secureEntry, [&log] {
         log.write(LogLevel::error, category, "The X server has gone away.");
         QCoreApplication::exit(EX_UNAVAILABLE);
     });
     if (!services) {
         log.write(LogLevel::error, category,
                   "The X server at DISPLAY=" + display +
-                      " cannot be reached or lacks XKEYBOARD or XTEST.");
+                      " cannot be reached or lacks XKEYBOARD, XTEST or XFIXES.");
         return EX_UNAVAILABLE;
     }
     const auto signalWatch = loop.watchReadable(signalFile, [] { QCoreApplication::exit(0); });
+
+    AtspiServices accessibility(loop, secureEntry);
 
     // Last made, first to end: a conversion under way completes before anything that it uses goes.
     QtDispatch dispatch;
@@ -100,6 +104,9 @@ int main(int argc, char** argv) {
         .keyTranslator = services->keyTranslator(),
         .workspace = services->workspace(),
         .permissions = services->permissions(),
+        .accessibility = accessibility.accessibility(),
+        .pasteboard = services->pasteboard(),
+        .applicationProbe = services->applicationProbe(),
         .sessionLimit = isWaylandSession() ? waylandLimit : "",
     });
     delegate.model().onStatusChanged = [&log](std::string_view status) {

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/accessibility.h"
+#include "host/application_probe.h"
 #include "host/dispatch.h"
 #include "host/event_poster.h"
 #include "host/event_source.h"
 #include "host/input_sources.h"
 #include "host/key_translator.h"
 #include "host/log.h"
+#include "host/pasteboard.h"
 #include "host/permissions.h"
 #include "host/workspace.h"
 
@@ -24,6 +27,9 @@ struct Desktop {
     KeyTranslator& keyTranslator;
     Workspace& workspace;
     Permissions& permissions;
+    Accessibility& accessibility;
+    Pasteboard& pasteboard;
+    ApplicationProbe& applicationProbe;
     /// What of the session is out of reach, for the listener's status; empty when nothing is.
     /// UTF-8.
     std::string sessionLimit = {};

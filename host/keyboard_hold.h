@@ -24,6 +24,9 @@ public:
     /// True while the window that the hold is for has the focus.
     [[nodiscard]] virtual bool hasFocus() = 0;
 
+    /// A key of the user's waits for the end of the hold, modifiers aside.
+    [[nodiscard]] virtual bool hasHeldKeys() = 0;
+
     /// Something could not be posted, and nothing has been since.
     [[nodiscard]] virtual bool hasFailed() = 0;
 };

@@ -14,7 +14,7 @@ namespace kelvora {
 enum class ApplicationKind {
     ordinary,
     terminal,    ///< Control combinations are commands there: only typed text is repaired
-    noSelectAll, ///< selecting everything would do harm (file managers, remote viewers)
+    noSelectAll, ///< selecting everything would do harm (files, drawings, other machines)
 };
 
 struct FrontmostApplication {

@@ -37,8 +37,7 @@ struct ConversionOrchestrator::Conversion {
     ConversionRequest request;
     std::string firstID;
     std::string secondID;
-    Dispatch& dispatch;
-    InputSources& inputSources;
+    Desktop desktop;
     Logger logger;
     std::shared_ptr<EventPosting> poster;
     KeyboardGuard keyboard;
@@ -46,7 +45,9 @@ struct ConversionOrchestrator::Conversion {
 
     // The worker's part.
     [[nodiscard]] ConversionOutcome run() {
-        return FocusedTextConverter::convertFocusedField(request, {*poster, keyboard, logger});
+        return FocusedTextConverter::convertFocusedField(
+            request, {*poster, keyboard, desktop.accessibility, desktop.pasteboard,
+                      desktop.applicationProbe, logger});
     }
 
     // The main thread's part.
@@ -74,7 +75,7 @@ struct ConversionOrchestrator::Conversion {
     std::string handle(const ConversionOutcome::Converted& converted) {
         const std::string& targetID = converted.targetIndex == 0 ? firstID : secondID;
         logger.info("Converted text to index %ld (%s)", converted.targetIndex, targetID);
-        return InputSourceSwitcher::select(inputSources, targetID)
+        return InputSourceSwitcher::select(desktop.inputSources, targetID)
                    ? "Text converted successfully."
                    : "Text converted, but the selected input source could not be activated.";
     }
@@ -120,14 +121,14 @@ void ConversionOrchestrator::performConversion(std::optional<std::u16string> tex
         .activeSourceIndex = active,
         .bundleID = application.bundleIdentifier.value_or("unknown"),
         .applicationKind = application.kind,
+        .processIdentifier = static_cast<std::int32_t>(application.processIdentifier),
         .reselectPastedText = model_.reselectPastedText(),
         .typedText = typedText_,
         .textAtTrigger = std::move(textAtTrigger),
     };
     conversionInProgress_ = true;
     start(std::shared_ptr<Conversion>(new Conversion{
-        std::move(request), std::move(firstID), std::move(secondID), desktop_.dispatch,
-        desktop_.inputSources, logger_, poster_,
+        std::move(request), std::move(firstID), std::move(secondID), desktop_, logger_, poster_,
         KeyboardGuard(desktop_.eventPoster, desktop_.workspace.focusTarget()), self_.handle()}));
 }
 
@@ -141,7 +142,8 @@ void ConversionOrchestrator::start(std::shared_ptr<Conversion> conversion) {
     running_ = conversion;
     desktop_.dispatch.postToWorker([conversion = std::move(conversion)] {
         const ConversionOutcome outcome = conversion->run();
-        conversion->dispatch.postToMain([conversion, outcome] { conversion->finish(outcome); });
+        conversion->desktop.dispatch.postToMain(
+            [conversion, outcome] { conversion->finish(outcome); });
     });
 }
 

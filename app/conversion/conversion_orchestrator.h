@@ -32,8 +32,8 @@ public:
     /// From the hand-over of a conversion until its result has been handled.
     [[nodiscard]] bool conversionInProgress() const { return conversionInProgress_; }
 
-    /// Another window got the focus, or another client the keyboard: a running conversion must not
-    /// begin to write there.
+    /// Another window got the focus, another client the keyboard, or a click may have moved the
+    /// caret: a running conversion must not begin to write there.
     void focusChanged();
 
 private:

@@ -2,6 +2,7 @@
 #include "app/conversion/focused_text_converter.h"
 
 #include "app/conversion/app_text_behavior.h"
+#include "app/conversion/keyboard_guard.h"
 #include "app/io/logger.h"
 
 namespace kelvora {
@@ -11,6 +12,40 @@ namespace {
 bool isTerminal(const ConversionRequest& request) {
     return AppTextBehavior::isTerminal(request.bundleID) ||
            request.applicationKind == ApplicationKind::terminal;
+}
+
+/// Would selecting everything select one field's text? Not in a document, which is rewritten only
+/// where the caret is, nor where there is no text to edit.
+bool allowsSelectAll(const ConversionRequest& request, TextRole role) {
+    return !AppTextBehavior::isCanvasEditor(request.bundleID) &&
+           request.applicationKind != ApplicationKind::noSelectAll &&
+           (role == TextRole::singleLine || role == TextRole::unknown);
+}
+
+/// What is before the caret may be something else now than what was typed.
+void forgetTyped(const ConversionRequest& request) {
+    if (request.typedText) {
+        request.typedText->reset();
+    }
+}
+
+ConversionOutcome convertSelection(AccessibilityElement* element, TextRole role,
+                                   const ConversionRequest& request,
+                                   const ConversionServices& services) {
+    if (element) {
+        if (auto outcome = FocusedTextConverter::tryAXPath(*element, request, services)) {
+            if (*outcome != ConversionOutcome::noText()) {
+                forgetTyped(request);
+            }
+            return *outcome;
+        }
+    } else {
+        services.logger.debug(
+            "AX path: no focused AX element found for %s. Using clipboard fallback.",
+            request.bundleID);
+    }
+    return FocusedTextConverter::convertThroughClipboard(request, services,
+                                                         allowsSelectAll(request, role));
 }
 
 } // namespace
@@ -23,11 +58,44 @@ ConversionOutcome FocusedTextConverter::convertFocusedField(const ConversionRequ
             return *outcome;
         }
     }
-    if (isTerminal(request)) {
+    const auto leaveTerminal = [&] {
         services.logger.info("Terminal: nothing typed since the caret moved. bundleID=%s",
                              request.bundleID);
+        return ConversionOutcome::noText();
+    };
+    if (isTerminal(request)) {
+        return leaveTerminal();
     }
-    return ConversionOutcome::noText();
+    // The look-up may take a moment already, in which a person types on.
+    if (!holdKeyboards(request, services)) {
+        return ConversionOutcome::noText();
+    }
+    const std::shared_ptr<AccessibilityElement> element =
+        request.element ? request.element : focusedElement(request.processIdentifier, services);
+    const TextRole role = element ? element->role() : TextRole::unknown;
+    if (role == TextRole::terminal) {
+        // A terminal inside of another application.
+        return leaveTerminal();
+    }
+    if (role == TextRole::password) {
+        forgetTyped(request);
+        return ConversionOutcome::noText();
+    }
+    return convertSelection(element.get(), role, request, services);
+}
+
+bool FocusedTextConverter::holdKeyboards(const ConversionRequest& request,
+                                         const ConversionServices& services) {
+    const std::u16string typedBefore =
+        request.textAtTrigger.value_or(request.typedText ? request.typedText->text() : u"");
+    KeyboardGuard& keyboard = services.keyboard;
+    if (!keyboard.isHolding()) {
+        keyboard.begin();
+    }
+    if ((keyboard.isHolding() && !keyboard.settle()) || keyboard.hasLostFocus()) {
+        return false;
+    }
+    return !request.typedText || request.typedText->text() == typedBefore;
 }
 
 } // namespace kelvora

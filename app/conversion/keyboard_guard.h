@@ -17,6 +17,9 @@ class KeyboardGuard {
 public:
     KeyboardGuard(EventPoster& poster, FocusTarget target) : poster_(poster), target_(target) {}
 
+    /// What had the focus at the trigger.
+    [[nodiscard]] FocusTarget target() const { return target_; }
+
     /// Holds the keyboards, where the desktop can.
     void begin();
     /// Gives them back; the keys pressed meanwhile are delivered now. Again and again: no effect.
@@ -30,9 +33,12 @@ public:
     /// The focus left the trigger's window, even if it came back: what was typed there is
     /// forgotten. Or it was not known which window that was.
     [[nodiscard]] bool hasLostFocus();
+    /// While holding: a key of the user's waits for the end of the hold.
+    [[nodiscard]] bool hasHeldKeys() { return hold_ && hold_->hasHeldKeys(); }
     /// While holding, or after: something of what was posted did not get through.
     [[nodiscard]] bool hasFailed() { return hold_ && hold_->hasFailed(); }
-    /// Any thread: another window got the focus, or another client the keyboard.
+    /// Any thread: another window got the focus, another client the keyboard, or a click may have
+    /// moved the caret.
     void noteFocusChange() { focusChanged_ = true; }
 
 private:

@@ -122,6 +122,9 @@ void HotkeyMonitor::handleTapEvent(const InputEvent& event) {
     case EventType::rightMouseDown:
     case EventType::otherMouseDown:
         typedText_->reset();
+        if (onMouseDown) {
+            onMouseDown();
+        }
         return;
     case EventType::keyDown:
         if (event.sourceUserData != SystemEventPoster::userData) {

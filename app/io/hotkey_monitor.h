@@ -31,6 +31,8 @@ public:
     std::function<void()> onTrigger;
     /// Called for every change of a Shift key, while the event is handled.
     std::function<void()> onShiftEvent;
+    /// Called for every mouse button that goes down, while the event is handled. Not without a tap.
+    std::function<void()> onMouseDown;
 
     /// Listens through a tap or, where the desktop refuses one, through monitors, which find the
     /// double tap but record no text. Does nothing when listening already.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/shell/app_delegate.h"
 
+#include "app/conversion/focused_text_converter.h"
 #include "app/io/system_event_poster.h"
 
 #include <utility>
@@ -31,6 +32,12 @@ void AppDelegate::launch() {
             delegate->handleTrigger();
         }
     };
+    hotkey_.onMouseDown = [weak] {
+        if (AppDelegate* delegate = weak.get()) {
+            // A paste, or what is typed back, would land where the click was.
+            delegate->conversion_.focusChanged();
+        }
+    };
     model_.onSettingsChanged = [weak] {
         if (AppDelegate* delegate = weak.get()) {
             delegate->applySettings();
@@ -42,6 +49,7 @@ void AppDelegate::launch() {
         }
     });
     applySettings();
+    enableAccessibility();
 }
 
 void AppDelegate::applySettings() {
@@ -92,6 +100,17 @@ void AppDelegate::handleFocusChange() {
     hotkey_.detector().reset();
     hotkey_.typedText()->reset();
     conversion_.focusChanged();
+    enableAccessibility();
+}
+
+void AppDelegate::enableAccessibility() {
+    // Long before it is needed: an application takes its time to build the tree.
+    const auto application = desktop_.workspace.frontmostApplication();
+    const auto process =
+        application ? static_cast<std::int32_t>(application->processIdentifier) : 0;
+    if (std::exchange(frontmostProcess_, process) != process && process != 0) {
+        FocusedTextConverter::enableAccessibility(desktop_.accessibility, process);
+    }
 }
 
 } // namespace kelvora

@@ -8,6 +8,7 @@
 #include "app/shell/app_model.h"
 #include "host/desktop.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -41,12 +42,14 @@ public:
 private:
     void handleTrigger();
     void handleFocusChange();
+    void enableAccessibility();
     [[nodiscard]] std::string listenerStatus();
 
     Desktop desktop_;
     AppModel model_;
     HotkeyMonitor hotkey_;
     ConversionOrchestrator conversion_;
+    std::int32_t frontmostProcess_ = 0; ///< the last that was seen; 0 when unknown
     WeakHandleSource<AppDelegate> self_{this};
 };
 

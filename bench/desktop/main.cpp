@@ -5,6 +5,8 @@
 //
 // Prints figures and asserts none of them; fails only when a text is not repaired.
 #include "bench/desktop/process_figures.h"
+#include "bench/desktop/selection_latency.h"
+#include "bench/desktop/statistics.h"
 #include "tests/support/real_desktop/editor.h"
 #include "tests/support/real_desktop/program.h"
 #include "tests/support/real_desktop/terminal.h"
@@ -13,10 +15,10 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
@@ -24,8 +26,8 @@
 
 namespace {
 
+using namespace kelvora::bench;
 using namespace kelvora::real;
-using Clock = std::chrono::steady_clock;
 
 struct Word {
     const char* typed;
@@ -43,17 +45,6 @@ constexpr std::array words{
 double fixedPauses(const Word& word) {
     const int chunks = (word.characters + 19) / 20;
     return word.characters * 2 * 0.008 + chunks * 0.02;
-}
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-/// The value that `share` of the values do not exceed.
-double quantile(std::vector<double> values, double share) {
-    std::sort(values.begin(), values.end());
-    const double index = share * static_cast<double>(values.size() - 1);
-    return values[static_cast<std::size_t>(std::lround(index))];
 }
 
 bool measureLatency(RealDesktop& desktop, TextApplication& application, int runs) {
@@ -97,9 +88,9 @@ void measureStart(RealDesktop& desktop, const std::filesystem::path& executable)
 
 void measureIdle(Program& program, int seconds) {
     const pid_t process = program.process().pid();
-    const auto before = kelvora::bench::readProcessFigures(process);
+    const auto before = readProcessFigures(process);
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
-    const auto after = kelvora::bench::readProcessFigures(process);
+    const auto after = readProcessFigures(process);
     std::printf("idle for %d s: %ld wake-ups, %.2f s of processor time\n", seconds,
                 after.wakeUps - before.wakeUps, after.processorSeconds - before.processorSeconds);
     std::printf("resident memory: %.1f MB, of it private %.1f MB\n",
@@ -130,6 +121,13 @@ int main(int argc, char** argv) {
     bool isRepaired = measureLatency(desktop, terminal, runs);
     Editor editor(desktop, EditorKind::gtk);
     isRepaired = isRepaired && measureLatency(desktop, editor, runs);
+
+    std::printf("second Shift release to the end of the correction, likewise:\n");
+    isRepaired =
+        isRepaired && measureSelectionLatency(desktop, editor, SelectionPath::accessibility, runs);
+    const std::unique_ptr<TextApplication> field = openHiddenField(desktop);
+    isRepaired = isRepaired && field != nullptr &&
+                 measureSelectionLatency(desktop, *field, SelectionPath::clipboard, runs);
     if (!isRepaired) {
         std::fprintf(stderr, "a text was not repaired\n");
     }

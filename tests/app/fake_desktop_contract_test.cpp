@@ -2,6 +2,7 @@
 #include "tests/support/contracts/event_poster_contract.h"
 #include "tests/support/contracts/event_source_contract.h"
 #include "tests/support/contracts/input_sources_contract.h"
+#include "tests/support/contracts/pasteboard_contract.h"
 #include "tests/support/contracts/workspace_contract.h"
 #include "tests/support/fake_desktop/fake_desktop.h"
 
@@ -52,6 +53,24 @@ private:
 INSTANTIATE_TEST_SUITE_P(Each, InputSourcesContract,
                          testing::Values(InputSourcesFactory{
                              "FakeDesktop", [] { return std::make_unique<FakeSources>(); }}),
+                         factoryName);
+
+class FakePasteboard final : public PasteboardRig {
+public:
+    Pasteboard& pasteboard() override { return pasteboard_; }
+    void onWorker(const std::function<void()>& work) override { work(); }
+    void copyElsewhere(std::u16string_view text) override { pasteboard_.copyText(text); }
+    std::optional<std::u16string> pasteElsewhere() override {
+        return pasteboard_.string(pasteboardType::string);
+    }
+
+private:
+    fake::Pasteboard pasteboard_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, PasteboardContract,
+                         testing::Values(PasteboardRigFactory{
+                             "FakeDesktop", [] { return std::make_unique<FakePasteboard>(); }}),
                          factoryName);
 
 } // namespace

@@ -46,12 +46,14 @@ constexpr auto terminalNames = std::to_array<std::string_view>({
     "com.raggesilver.blackbox",
     "contour",
     "cool-retro-term",
+    "cutecom",
     "deepin-terminal",
     "emacs",
     "emacs-gtk",
     "emacs-lucid",
     "emacsclient",
     "eterm",
+    "evilvte",
     "foot",
     "footclient",
     "gnome-terminal",
@@ -70,6 +72,8 @@ constexpr auto terminalNames = std::to_array<std::string_view>({
     "lxterminal",
     "mate-terminal",
     "mlterm",
+    "moserial",
+    "mrxvt",
     "neovide",
     "nvim-qt",
     "org.codeberg.dnkl.foot",
@@ -92,6 +96,7 @@ constexpr auto terminalNames = std::to_array<std::string_view>({
     "st",
     "st-256color",
     "stterm",
+    "syncterm",
     "terminator",
     "terminology",
     "termit",
@@ -106,30 +111,48 @@ constexpr auto terminalNames = std::to_array<std::string_view>({
     "vim.gtk3",
     "vim.motif",
     "waveterm",
+    "wterm",
     "xfce4-terminal",
     "xiterm+thai",
     "xterm",
+    "xvt",
     "yakuake",
     "zutty",
 });
 static_assert(std::ranges::is_sorted(terminalNames));
 
 /// File managers and desktops, where everything selected is every file; windows that show another
-/// machine, where the keys go to whatever has the focus there; drawing surfaces.
+/// machine, where the keys go to whatever has the focus there; drawing surfaces and tables.
 constexpr auto noSelectAllNames = std::to_array<std::string_view>({
     "anydesk",
+    "blender",
     "caja",
     "caja-desktop",
+    "com.jgraph.drawio.desktop",
     "com.rustdesk.rustdesk",
     "dde-file-manager",
+    "dia",
     "dolphin",
     "doublecmd",
+    "draw.io",
+    "drawio",
+    "eeschema",
     "figma-linux",
+    "freecad",
+    "gimp",
+    "gimp-2.10",
     "gnome-boxes",
     "gnome-connections",
+    "gnumeric",
+    "inkscape",
     "io.elementary.files",
+    "konqueror",
     "krdc",
+    "krita",
     "krusader",
+    "libreoffice-calc",
+    "libreoffice-draw",
+    "libreoffice-impress",
     "looking-glass-client",
     "moonlight",
     "nautilus",
@@ -137,22 +160,29 @@ constexpr auto noSelectAllNames = std::to_array<std::string_view>({
     "nemo",
     "nemo-desktop",
     "nxplayer.bin",
+    "org.freecad.freecad",
+    "org.gimp.gimp",
     "org.gnome.boxes",
     "org.gnome.connections",
     "org.gnome.nautilus",
+    "org.inkscape.inkscape",
     "org.kde.dolphin",
     "org.kde.krdc",
+    "org.kde.krita",
     "org.remmina.remmina",
     "parsecd",
+    "pcbnew",
     "pcmanfm",
     "pcmanfm-qt",
     "peony",
+    "qemu",
     "rdesktop",
     "remmina",
     "remote-viewer",
     "rox",
     "rustdesk",
     "scrcpy",
+    "scribus",
     "sdl-freerdp",
     "spacefm",
     "spicy",
@@ -178,9 +208,26 @@ constexpr auto noSelectAllNames = std::to_array<std::string_view>({
     "xfreerdp",
     "xfreerdp3",
     "xnest",
+    "xournalpp",
     "xtigervncviewer",
 });
 static_assert(std::ranges::is_sorted(noSelectAllNames));
+
+/// Of such programs, in the Desktop Menu Specification. Also of those whose text is a document,
+/// which must not be rewritten as a whole where accessibility does not tell that it is one.
+constexpr auto noSelectAllCategories = std::to_array<std::string_view>({
+    "AudioVideoEditing",
+    "Emulator",
+    "FileManager",
+    "Game",
+    "Graphics",
+    "IDE",
+    "Presentation",
+    "RemoteAccess",
+    "Spreadsheet",
+    "TextEditor",
+    "WordProcessor",
+});
 
 std::string lowered(std::string_view text) {
     std::string result(text);
@@ -241,7 +288,7 @@ ApplicationKind kindOf(const Names& names, const std::vector<std::string>& categ
     };
     if (isOf("TerminalEmulator") || names.anyIn(terminalNames))
         return ApplicationKind::terminal;
-    if (isDesktopWindow || isOf("FileManager") || isOf("RemoteAccess") ||
+    if (isDesktopWindow || std::ranges::any_of(noSelectAllCategories, isOf) ||
         names.anyIn(noSelectAllNames) || names.windowClass.starts_with("qemu") ||
         names.executable.starts_with("qemu-system-"))
         return ApplicationKind::noSelectAll;

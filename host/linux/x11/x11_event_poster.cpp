@@ -18,8 +18,8 @@ constexpr std::uint8_t shiftModifier = 1;
 constexpr std::uint8_t controlModifier = 4;
 
 /// Keys that are asked for by what they do rather than by where they are.
-std::optional<xkb_keysym_t> keysymFor(const InputEvent& event) {
-    switch (event.keyCode) {
+std::optional<xkb_keysym_t> keysymFor(KeyCode keyCode) {
+    switch (keyCode) {
     case keyCode::backspace:
         return XKB_KEY_BackSpace;
     case keyCode::leftArrow:
@@ -27,8 +27,12 @@ std::optional<xkb_keysym_t> keysymFor(const InputEvent& event) {
     case keyCode::rightArrow:
         return XKB_KEY_Right;
     default:
-        break;
+        return std::nullopt;
     }
+}
+
+/// The letter of a shortcut.
+std::optional<xkb_keysym_t> letterFor(const InputEvent& event) {
     if ((event.flags & eventFlag::command) == 0)
         return std::nullopt;
     switch (event.keyCode) {
@@ -144,20 +148,27 @@ bool X11EventPoster::postGuarded(X11KeyboardControl& control, const std::functio
     return true;
 }
 
-std::optional<std::uint8_t> X11EventPoster::keycodeFor(X11KeyboardControl& control,
-                                                       const InputEvent& event) {
-    if (const auto keysym = keysymFor(event))
-        if (const auto keycode = control.keys().keycodeFor(*keysym, control.state().lockedGroup))
-            return keycode;
-    return keycodeAt(control.keymap(), event.keyCode);
+std::optional<KeyStroke> X11EventPoster::strokeFor(X11KeyboardControl& control,
+                                                   const InputEvent& event) {
+    const std::uint8_t group = control.state().lockedGroup;
+    // In the layout that has the letter: from a key that types no Latin letter, applications guess
+    // the letter each in its own way, and not all guess the one that is meant.
+    if (const auto letter = letterFor(event))
+        if (const auto stroke = control.keys().findKeysym(*letter, group))
+            return stroke;
+    if (const auto keysym = keysymFor(event.keyCode))
+        if (const auto stroke = control.keys().findKeysym(*keysym, group))
+            return KeyStroke{stroke->keycode, group, 0};
+    const auto keycode = keycodeAt(control.keymap(), event.keyCode);
+    return keycode ? std::optional(KeyStroke{*keycode, group, 0}) : std::nullopt;
 }
 
 void X11EventPoster::postKeyDown(X11KeyboardControl& control, const InputEvent& event) {
     keyDown_.reset();
     if (!control.synchronize())
         return;
-    const auto keycode = keycodeFor(control, event);
-    if (!keycode)
+    const auto stroke = strokeFor(control, event);
+    if (!stroke)
         return;
     std::uint8_t modifiers = 0;
     if ((event.flags & eventFlag::shift) != 0)
@@ -169,9 +180,10 @@ void X11EventPoster::postKeyDown(X11KeyboardControl& control, const InputEvent& 
     postGuarded(control, [&] {
         auto neutral =
             std::make_unique<X11NeutralKeyboard>(control, X11NeutralKeyboard::Locks::keep);
+        neutral->lockGroup(stroke->group);
         neutral->pressModifiers(modifiers);
-        control.pressKey(*keycode);
-        keyDown_ = KeyDown{*keycode, std::move(neutral)};
+        control.pressKey(stroke->keycode);
+        keyDown_ = KeyDown{stroke->keycode, std::move(neutral)};
     });
 }
 

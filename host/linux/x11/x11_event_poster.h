@@ -59,8 +59,8 @@ private:
     void releaseForgottenKeys();
     void postKeyDown(X11KeyboardControl& control, const InputEvent& event);
     void postKeyUp(X11KeyboardControl& control);
-    [[nodiscard]] std::optional<std::uint8_t> keycodeFor(X11KeyboardControl& control,
-                                                         const InputEvent& event);
+    [[nodiscard]] static std::optional<KeyStroke> strokeFor(X11KeyboardControl& control,
+                                                            const InputEvent& event);
     bool postGuarded(X11KeyboardControl& control, const std::function<void()>& send);
     void onUserKeyRelease(std::uint8_t keycode);
     void releaseLent(const LentKey& key);

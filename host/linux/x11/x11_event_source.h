@@ -3,6 +3,7 @@
 
 #include "host/event_source.h"
 #include "host/linux/event_loop.h"
+#include "host/linux/secure_entry.h"
 #include "host/linux/x11/x11_connection.h"
 #include "host/linux/x11/x11_posting_marks.h"
 
@@ -17,15 +18,18 @@ namespace kelvora {
 class X11EventSource : public EventSource {
 public:
     struct Callbacks {
-        /// Another window has the focus, or the keyboard was taken or given back by a client.
+        /// Another window has the focus, or the keyboard was taken or given back by a client, or
+        /// the focus went into or out of a password field, or to another text without the user's
+        /// doing.
         std::function<void()> onFocusChanged;
         /// The server has gone away while something listened to it.
         std::function<void()> onServerGone;
     };
 
-    /// `display` as in DISPLAY. The loop and the marks outlive the source and what it hands out.
+    /// `display` as in DISPLAY. The loop, the marks and the secure entry outlive the source and
+    /// what it hands out. Without a secure entry nothing is kept from the handlers.
     X11EventSource(std::string display, EventLoop& loop, X11PostingMarks& marks,
-                   Callbacks callbacks);
+                   Callbacks callbacks, SecureEntry* secureEntry = nullptr);
 
     [[nodiscard]] std::unique_ptr<EventTap> createTap(EventMask mask,
                                                       EventHandler handler) override;
@@ -39,6 +43,7 @@ private:
     EventLoop& loop_;
     X11PostingMarks& marks_;
     Callbacks callbacks_;
+    SecureEntry* secureEntry_;
 };
 
 } // namespace kelvora

@@ -17,15 +17,17 @@ constexpr std::uint8_t firstExtraButton = 8; // 4 to 7 are the wheels
 std::unique_ptr<X11EventTap> X11EventTap::create(const char* display, EventLoop& loop,
                                                  X11PostingMarks& marks,
                                                  const X11EventSource::Callbacks& callbacks,
-                                                 EventMask mask, EventHandler handler) {
+                                                 SecureEntry* secureEntry, EventMask mask,
+                                                 EventHandler handler) {
     XcbConnectionPtr connection = connectX11(display);
     if (!connection)
         return nullptr;
     std::unique_ptr<X11Keymap> keymap = X11Keymap::create(connection.get());
     if (!keymap)
         return nullptr;
-    std::unique_ptr<X11EventTap> tap(new X11EventTap(std::move(connection), std::move(keymap),
-                                                     marks, callbacks, mask, std::move(handler)));
+    std::unique_ptr<X11EventTap> tap(new X11EventTap(std::move(connection), std::move(keymap), loop,
+                                                     marks, callbacks, secureEntry, mask,
+                                                     std::move(handler)));
     tap->record_ = X11RecordStream::create(display, *tap);
     if (!tap->record_)
         return nullptr;
@@ -38,9 +40,21 @@ std::unique_ptr<X11EventTap> X11EventTap::create(const char* display, EventLoop&
 }
 
 X11EventTap::X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap,
-                         X11PostingMarks& marks, const X11EventSource::Callbacks& callbacks,
+                         EventLoop& loop, X11PostingMarks& marks,
+                         const X11EventSource::Callbacks& callbacks, SecureEntry* secureEntry,
                          EventMask mask, EventHandler handler)
     : marks_(marks), callbacks_(callbacks), mask_(mask), handler_(std::move(handler)),
+      gate_(
+          loop, secureEntry,
+          [this](const InputEvent& event) {
+              if ((mask_ & eventMaskBit(event.type)) != 0)
+                  handler_(event);
+          },
+          [this] {
+              if (callbacks_.onFocusChanged)
+                  callbacks_.onFocusChanged();
+          },
+          [this] { marks_.fencePassed(); }),
       connection_(std::move(connection)), keymap_(std::move(keymap)),
       interpreter_(loadComposeTable(keymap_->context()).get()), focus_(connection_.get()) {
     interpreter_.setKeymap(keymap_->keymap());
@@ -58,6 +72,7 @@ void X11EventTap::setEnabled(bool enabled) {
         focus_.start();
     } else {
         record_->disable();
+        gate_.clear();
     }
 }
 
@@ -115,8 +130,8 @@ void X11EventTap::onDeviceEvent(const X11DeviceEvent& event) {
 
 void X11EventTap::onFocusEvent(const X11FocusEvent& event) {
     pendingFake_.reset();
-    if (focus_.onFocusEvent(event) && callbacks_.onFocusChanged)
-        callbacks_.onFocusChanged();
+    if (focus_.onFocusEvent(event))
+        gate_.handleWindowChange();
 }
 
 void X11EventTap::onKeyboardGrabRequest(std::uint32_t client) {
@@ -129,7 +144,7 @@ void X11EventTap::onKeyboardGrabRequest(std::uint32_t client) {
 
 void X11EventTap::onNoOperation(std::uint32_t client) {
     if (client == marks_.markedClient.load())
-        marks_.fencePassed();
+        gate_.handleFence();
 }
 
 void X11EventTap::deliverKey(const X11DeviceEvent& event, bool isOurs) {
@@ -166,8 +181,7 @@ void X11EventTap::deliverButton(const X11DeviceEvent& event) {
 
 void X11EventTap::deliver(InputEvent event, std::uint32_t time) {
     event.timestamp = time_.seconds(time);
-    if ((mask_ & eventMaskBit(event.type)) != 0)
-        handler_(event);
+    gate_.handleEvent(event);
 }
 
 } // namespace kelvora

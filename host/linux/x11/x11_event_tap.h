@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/linux/timed_secure_entry_gate.h"
 #include "host/linux/x11/x11_event_source.h"
 #include "host/linux/x11/x11_focus_watch.h"
 #include "host/linux/x11/x11_keymap.h"
@@ -12,22 +13,24 @@
 
 namespace kelvora {
 
-/// The tap over RECORD. What is typed while another client holds the keyboard is not delivered.
+/// The tap over RECORD. What is typed while another client holds the keyboard, or into a password
+/// field, is not delivered.
 class X11EventTap : public EventTap, private X11RecordListener {
 public:
     /// Null when the server lacks RECORD or XKB, or cannot be reached.
     [[nodiscard]] static std::unique_ptr<X11EventTap>
     create(const char* display, EventLoop& loop, X11PostingMarks& marks,
-           const X11EventSource::Callbacks& callbacks, EventMask mask, EventHandler handler);
+           const X11EventSource::Callbacks& callbacks, SecureEntry* secureEntry, EventMask mask,
+           EventHandler handler);
     ~X11EventTap() override;
 
     void setEnabled(bool enabled) override;
     [[nodiscard]] bool isEnabled() const override;
 
 private:
-    X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap,
-                X11PostingMarks& marks, const X11EventSource::Callbacks& callbacks, EventMask mask,
-                EventHandler handler);
+    X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap, EventLoop& loop,
+                X11PostingMarks& marks, const X11EventSource::Callbacks& callbacks,
+                SecureEntry* secureEntry, EventMask mask, EventHandler handler);
 
     void onDeviceEvent(const X11DeviceEvent& event) override;
     void onFakeInput(const X11FakeInput& request) override;
@@ -45,6 +48,7 @@ private:
     X11EventSource::Callbacks callbacks_;
     EventMask mask_;
     EventHandler handler_;
+    TimedSecureEntryGate gate_;
 
     XcbConnectionPtr connection_; ///< for notices
     std::unique_ptr<X11Keymap> keymap_;

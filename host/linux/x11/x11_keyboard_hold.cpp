@@ -174,6 +174,16 @@ bool X11KeyboardHold::hasFocus() {
     return focus_->hasFocus();
 }
 
+bool X11KeyboardHold::hasHeldKeys() {
+    const std::lock_guard lock(poster_.mutex_);
+    if (grabbed_.empty())
+        return false;
+    readHeldEvents();
+    return std::ranges::any_of(events_, [&](const HeldEvent& event) {
+        return event.isPress && !isModifier(unmarked_.keys(), event.keycode);
+    });
+}
+
 bool X11KeyboardHold::hasFailed() {
     const std::lock_guard lock(poster_.mutex_);
     return focus_->hasFailed();

@@ -23,7 +23,7 @@ public:
 
     [[nodiscard]] bool settle() override;
     [[nodiscard]] bool hasFocus() override;
-
+    [[nodiscard]] bool hasHeldKeys() override;
     [[nodiscard]] bool hasFailed() override;
 
     /// Calls `send` if what it posts over `control` reaches the target. With the poster's lock

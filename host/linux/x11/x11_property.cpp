@@ -22,6 +22,20 @@ XcbPtr<xcb_get_property_reply_t> fetch(xcb_connection_t* connection, xcb_window_
 
 } // namespace
 
+void internAtoms(xcb_connection_t* connection, std::initializer_list<X11AtomRequest> requests) {
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    for (const X11AtomRequest& request : requests)
+        cookies.push_back(xcb_intern_atom(
+            connection, 0, static_cast<std::uint16_t>(request.name.size()), request.name.data()));
+    auto cookie = cookies.begin();
+    for (const X11AtomRequest& request : requests) {
+        const XcbPtr<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(connection, *cookie++, nullptr));
+        if (reply)
+            *request.atom = reply->atom;
+    }
+}
+
 std::optional<std::string> readTextProperty(xcb_connection_t* connection, xcb_window_t window,
                                             xcb_atom_t property, std::uint32_t maximumBytes) {
     const auto reply =

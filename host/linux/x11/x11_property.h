@@ -4,11 +4,22 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kelvora {
+
+struct X11AtomRequest {
+    std::string_view name;
+    xcb_atom_t* atom;
+};
+
+/// Fills in the atoms of these names, all in one wait; those that the server does not give stay as
+/// they are.
+void internAtoms(xcb_connection_t* connection, std::initializer_list<X11AtomRequest> requests);
 
 // Window properties as other programs set them: anything may be in them. Each call waits for the
 // server; a window or a server that is gone gives the same result as a property that is not there.

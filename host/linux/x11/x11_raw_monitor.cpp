@@ -28,7 +28,8 @@ bool selectRawKeys(xcb_connection_t* connection) {
 } // namespace
 
 std::unique_ptr<X11RawMonitor> X11RawMonitor::create(const char* display, EventLoop& loop,
-                                                     EventMask mask, EventHandler handler) {
+                                                     SecureEntry* secureEntry, EventMask mask,
+                                                     EventHandler handler) {
     XcbConnectionPtr connection = connectX11(display);
     if (!connection)
         return nullptr;
@@ -38,8 +39,8 @@ std::unique_ptr<X11RawMonitor> X11RawMonitor::create(const char* display, EventL
     std::unique_ptr<X11Keymap> keymap = X11Keymap::create(connection.get(), X11StateNotices::all);
     if (!keymap)
         return nullptr;
-    std::unique_ptr<X11RawMonitor> monitor(
-        new X11RawMonitor(std::move(connection), std::move(keymap), mask, std::move(handler)));
+    std::unique_ptr<X11RawMonitor> monitor(new X11RawMonitor(
+        std::move(connection), std::move(keymap), loop, secureEntry, mask, std::move(handler)));
     monitor->extension_ = xinput->major_opcode;
     X11RawMonitor& self = *monitor;
     monitor->watch_ = loop.watchReadable(xcb_get_file_descriptor(self.connection_.get()),
@@ -48,9 +49,17 @@ std::unique_ptr<X11RawMonitor> X11RawMonitor::create(const char* display, EventL
 }
 
 X11RawMonitor::X11RawMonitor(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap,
-                             EventMask mask, EventHandler handler)
-    : mask_(mask), handler_(std::move(handler)), connection_(std::move(connection)),
-      keymap_(std::move(keymap)) {}
+                             EventLoop& loop, SecureEntry* secureEntry, EventMask mask,
+                             EventHandler handler)
+    : mask_(mask), handler_(std::move(handler)),
+      gate_(
+          loop, secureEntry,
+          [this](const InputEvent& event) {
+              if ((mask_ & eventMaskBit(event.type)) != 0)
+                  handler_(event);
+          },
+          [] {}),
+      connection_(std::move(connection)), keymap_(std::move(keymap)) {}
 
 void X11RawMonitor::processEvents() {
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
@@ -76,10 +85,10 @@ void X11RawMonitor::deliver(const xcb_generic_event_t* event) {
          .modifiers = static_cast<std::uint8_t>(state.baseModifiers | state.latchedModifiers |
                                                 state.lockedModifiers),
          .group = state.effectiveGroup});
-    if (!result || (mask_ & eventMaskBit(result->type)) == 0)
+    if (!result)
         return;
     result->timestamp = time_.seconds(raw->time);
-    handler_(*result);
+    gate_.handleEvent(*result);
 }
 
 } // namespace kelvora

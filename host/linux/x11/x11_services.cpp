@@ -6,6 +6,7 @@
 namespace kelvora {
 
 std::unique_ptr<X11Services> X11Services::create(const std::string& display, EventLoop& loop,
+                                                 SecureEntry& secureEntry,
                                                  std::function<void()> onServerGone) {
     std::unique_ptr<X11Services> services(new X11Services);
     services->onServerGone_ = std::move(onServerGone);
@@ -18,7 +19,10 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
     services->workspace_ =
         X11Workspace::create(display.c_str(), DesktopEntries(standardApplicationDirectories()));
     services->eventPoster_ = X11EventPoster::create(display, services->marks_);
-    if (!services->inputSources_ || !services->workspace_ || !services->eventPoster_)
+    services->pasteboard_ = X11Pasteboard::create(display.c_str());
+    services->applicationProbe_ = X11ApplicationProbe::create(display.c_str());
+    if (!services->inputSources_ || !services->workspace_ || !services->eventPoster_ ||
+        !services->pasteboard_ || !services->applicationProbe_)
         return nullptr;
     X11Services& self = *services;
     services->eventSource_ = std::make_unique<X11EventSource>(
@@ -26,7 +30,8 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
         X11EventSource::Callbacks{
             .onFocusChanged = [&self] { self.workspace_->notifyFocusChanged(); },
             .onServerGone = [&self] { self.reportServerGone(); },
-        });
+        },
+        &secureEntry);
     services->layoutWatch_ = loop.watchReadable(self.inputSources_->fileDescriptor(),
                                                 [&self] { self.processLayoutNotices(); });
     return services;

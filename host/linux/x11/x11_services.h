@@ -2,6 +2,8 @@
 #pragma once
 
 #include "host/linux/event_loop.h"
+#include "host/linux/x11/clipboard/x11_pasteboard.h"
+#include "host/linux/x11/x11_application_probe.h"
 #include "host/linux/x11/x11_event_poster.h"
 #include "host/linux/x11/x11_event_source.h"
 #include "host/linux/x11/x11_input_sources.h"
@@ -16,13 +18,16 @@
 
 namespace kelvora {
 
-/// Every service that one X server gives. Main thread only, but for the poster.
+/// Every service that one X server gives. Main thread only, but for the
+/// poster, the pasteboard and the probe.
 class X11Services {
 public:
     /// `onServerGone` is called once, on the main thread. Null when the server cannot be reached or
-    /// lacks XKB or XTEST. The loop outlives the services.
-    [[nodiscard]] static std::unique_ptr<X11Services>
-    create(const std::string& display, EventLoop& loop, std::function<void()> onServerGone);
+    /// lacks XKB, XTEST or XFIXES. The loop and the secure entry outlive the services.
+    [[nodiscard]] static std::unique_ptr<X11Services> create(const std::string& display,
+                                                             EventLoop& loop,
+                                                             SecureEntry& secureEntry,
+                                                             std::function<void()> onServerGone);
 
     [[nodiscard]] EventSource& eventSource() { return *eventSource_; }
     [[nodiscard]] EventPoster& eventPoster() { return *eventPoster_; }
@@ -30,6 +35,8 @@ public:
     [[nodiscard]] KeyTranslator& keyTranslator() { return keyTranslator_; }
     [[nodiscard]] Workspace& workspace() { return *workspace_; }
     [[nodiscard]] Permissions& permissions() { return *permissions_; }
+    [[nodiscard]] Pasteboard& pasteboard() { return *pasteboard_; }
+    [[nodiscard]] ApplicationProbe& applicationProbe() { return *applicationProbe_; }
 
 private:
     X11Services() = default;
@@ -43,6 +50,8 @@ private:
     std::unique_ptr<X11InputSources> inputSources_;
     std::unique_ptr<X11Workspace> workspace_;
     std::unique_ptr<X11Permissions> permissions_;
+    std::unique_ptr<X11Pasteboard> pasteboard_;
+    std::unique_ptr<X11ApplicationProbe> applicationProbe_;
     std::function<void()> onServerGone_;
     std::unique_ptr<DescriptorWatch> layoutWatch_;
 };

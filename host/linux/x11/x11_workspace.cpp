@@ -4,15 +4,12 @@
 #include "host/linux/desktop/application_identity.h"
 #include "host/linux/x11/x11_focus.h"
 #include "host/linux/x11/x11_property.h"
+#include "host/linux/x11/x11_window_process.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
-#include <climits>
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -44,15 +41,6 @@ WindowClass parseWindowClass(std::string_view bytes) {
     return result;
 }
 
-bool isSameHost(std::string_view one, std::string_view other) {
-    // Some clients give the full domain name, others the short one.
-    one = one.substr(0, one.find('.'));
-    other = other.substr(0, other.find('.'));
-    return std::ranges::equal(one, other, [](unsigned char a, unsigned char b) {
-        return std::tolower(a) == std::tolower(b);
-    });
-}
-
 /// Empty when the process is gone or somebody else's.
 std::string executableOf(std::int64_t process) {
     std::error_code error;
@@ -77,25 +65,14 @@ std::unique_ptr<X11Workspace> X11Workspace::create(const char* display, DesktopE
 
 X11Workspace::X11Workspace(XcbConnectionPtr connection, DesktopEntries entries)
     : connection_(std::move(connection)), entries_(std::move(entries)) {
-    const std::array<std::pair<std::string_view, xcb_atom_t*>, 6> wanted{{
-        {"_NET_ACTIVE_WINDOW", &atoms_.activeWindow},
-        {"_GTK_APPLICATION_ID", &atoms_.gtkApplicationId},
-        {"_NET_WM_PID", &atoms_.processIdentifier},
-        {"_NET_SUPPORTING_WM_CHECK", &atoms_.windowManagerCheck},
-        {"_NET_WM_WINDOW_TYPE", &atoms_.windowType},
-        {"_NET_WM_WINDOW_TYPE_DESKTOP", &atoms_.windowTypeDesktop},
-    }};
-    std::array<xcb_intern_atom_cookie_t, wanted.size()> cookies{};
-    std::ranges::transform(wanted, cookies.begin(), [&](const auto& atom) {
-        return xcb_intern_atom(connection_.get(), 0, static_cast<std::uint16_t>(atom.first.size()),
-                               atom.first.data());
-    });
-    for (std::size_t i = 0; i < wanted.size(); ++i) {
-        const XcbPtr<xcb_intern_atom_reply_t> reply(
-            xcb_intern_atom_reply(connection_.get(), cookies[i], nullptr));
-        if (reply)
-            *wanted[i].second = reply->atom;
-    }
+    internAtoms(connection_.get(), {
+                                       {"_NET_ACTIVE_WINDOW", &atoms_.activeWindow},
+                                       {"_GTK_APPLICATION_ID", &atoms_.gtkApplicationId},
+                                       {"_NET_WM_PID", &atoms_.processIdentifier},
+                                       {"_NET_SUPPORTING_WM_CHECK", &atoms_.windowManagerCheck},
+                                       {"_NET_WM_WINDOW_TYPE", &atoms_.windowType},
+                                       {"_NET_WM_WINDOW_TYPE_DESKTOP", &atoms_.windowTypeDesktop},
+                                   });
 }
 
 std::optional<FrontmostApplication> X11Workspace::frontmostApplication() {
@@ -182,27 +159,13 @@ xcb_window_t X11Workspace::namedBelowPointer(xcb_window_t window) {
     return XCB_NONE;
 }
 
-/// True also when the application does not tell, as many do.
-bool X11Workspace::isOfThisMachine(xcb_window_t window) {
-    const auto machine =
-        readTextProperty(connection_.get(), window, XCB_ATOM_WM_CLIENT_MACHINE, maximumNameBytes);
-    std::array<char, HOST_NAME_MAX + 1> name{};
-    if (!machine || gethostname(name.data(), name.size() - 1) != 0)
-        return true;
-    const std::string_view host = std::string_view(*machine).substr(0, machine->find('\0'));
-    return host.empty() || isSameHost(host, "localhost") || isSameHost(host, name.data());
-}
-
 FrontmostApplication X11Workspace::describe(xcb_window_t window) {
     xcb_connection_t* const connection = connection_.get();
     const auto text = [&](xcb_atom_t property) {
         return readTextProperty(connection, window, property, maximumNameBytes).value_or("");
     };
     FrontmostApplication result;
-    const std::uint32_t process = firstItem(
-        readListProperty(connection, window, atoms_.processIdentifier, XCB_ATOM_CARDINAL, 1));
-    if (process <= INT_MAX && isOfThisMachine(window))
-        result.processIdentifier = process;
+    result.processIdentifier = processOfWindow(connection, window, atoms_.processIdentifier);
 
     const WindowClass windowClass = parseWindowClass(text(XCB_ATOM_WM_CLASS));
     const auto types =

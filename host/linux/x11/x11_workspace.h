@@ -47,7 +47,6 @@ private:
     [[nodiscard]] xcb_window_t rootOf(xcb_window_t window);
     [[nodiscard]] xcb_window_t namedAround(xcb_window_t window);
     [[nodiscard]] xcb_window_t namedBelowPointer(xcb_window_t window);
-    [[nodiscard]] bool isOfThisMachine(xcb_window_t window);
     [[nodiscard]] FrontmostApplication describe(xcb_window_t window);
 
     XcbConnectionPtr connection_;

@@ -118,10 +118,9 @@ std::optional<KeyStroke> CharacterKeys::find(char32_t character, std::uint8_t gr
     return stroke != nullptr ? std::optional(*stroke) : std::nullopt;
 }
 
-std::optional<std::uint8_t> CharacterKeys::keycodeFor(xkb_keysym_t keysym,
-                                                      std::uint8_t group) const {
+std::optional<KeyStroke> CharacterKeys::findKeysym(xkb_keysym_t keysym, std::uint8_t group) const {
     const KeyStroke* stroke = bestStroke(keysyms_, keysym, group);
-    return stroke != nullptr ? std::optional(stroke->keycode) : std::nullopt;
+    return stroke != nullptr ? std::optional(*stroke) : std::nullopt;
 }
 
 std::vector<std::uint8_t> CharacterKeys::keysFor(std::uint8_t modifiers,

@@ -36,9 +36,10 @@ public:
     /// line feed is the Return key, a tab the Tab key.
     [[nodiscard]] std::optional<KeyStroke> find(char32_t character, std::uint8_t group) const;
 
-    /// The key that gives this keysym without modifiers in `group`, else in the first group.
-    [[nodiscard]] std::optional<std::uint8_t> keycodeFor(xkb_keysym_t keysym,
-                                                         std::uint8_t group) const;
+    /// The stroke that gives this keysym without modifiers, in `group` if that has it, else in the
+    /// first group that does.
+    [[nodiscard]] std::optional<KeyStroke> findKeysym(xkb_keysym_t keysym,
+                                                      std::uint8_t group) const;
 
     /// Keys to hold so that exactly `modifiers` are set; what no key sets is left in `remaining`.
     [[nodiscard]] std::vector<std::uint8_t> keysFor(std::uint8_t modifiers,

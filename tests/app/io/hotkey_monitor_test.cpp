@@ -245,15 +245,5 @@ TEST_F(HotkeyMonitorTest, MonitorGoneBeforeItsTriggerRuns) {
     EXPECT_EQ(desktop.events.tapCount(), 0U);
 }
 
-TEST_F(HotkeyMonitorTest, TriggerMayDestroyTheMonitor) {
-    monitor->onTrigger = [this] {
-        monitor.reset();
-        ++triggers;
-    };
-    desktop.doubleShift();
-    desktop.run();
-    EXPECT_EQ(triggers, 1);
-}
-
 } // namespace
 } // namespace kelvora

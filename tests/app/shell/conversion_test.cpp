@@ -118,6 +118,59 @@ TEST_F(ConversionTest, NoFrontmostApplicationIsAnUnknownOne) {
     EXPECT_EQ(text(), u"привет");
 }
 
+TEST_F(ConversionTest, SelectionIsRepairedBeforeTheKeysTypedMeanwhile) {
+    struct Case {
+        const char* name;
+        std::optional<TextRole> role; // absent: no accessibility, so by the clipboard
+        std::size_t anchor;           // the caret is at the end
+        std::u16string_view text;
+    };
+    const Case cases[] = {
+        {"by accessibility", TextRole::singleLine, 3, u"ok приветй"},
+        {"word of a document", TextRole::multiLine, 9, u"ok приветй"},
+        {"whole field by the clipboard", std::nullopt, 9, u"щл приветй"},
+    };
+    for (const Case& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        desktop.layouts.activeID = "us";
+        if (testCase.role) {
+            desktop.accessibility.views[fake::Windows::editor].role = *testCase.role;
+        } else {
+            desktop.accessibility.views.clear();
+        }
+        desktop.windows.field().set(u"ok ghbdtn");
+        desktop.windows.field().select(testCase.anchor, 9);
+        desktop.doubleShift();
+        desktop.at(0.0045, [this] { desktop.strike(u'q'); });
+        desktop.run();
+        EXPECT_EQ(text(), testCase.text);
+        EXPECT_EQ(recorded(), u"й");
+        EXPECT_EQ(desktop.layouts.activeID, "ru");
+        EXPECT_EQ(status(), success);
+        EXPECT_FALSE(desktop.keyboard.isHeldBack());
+        desktop.windows.focus(fake::Windows::otherEditor);
+        desktop.windows.focus(fake::Windows::editor);
+        desktop.run();
+    }
+}
+
+TEST_F(ConversionTest, ApplicationsAreAskedForTheirTreesInAdvance) {
+    const auto asked = [](int process) {
+        return std::vector<std::string>{
+            "enable " + std::to_string(process) + " AXManualAccessibility",
+            "enable " + std::to_string(process) + " AXEnhancedUserInterface"};
+    };
+    std::vector<std::string>& requests = desktop.accessibility.requests;
+    EXPECT_EQ(requests, asked(101));
+    for (const std::uint64_t window : {fake::Windows::editor, fake::Windows::otherEditor}) {
+        requests.clear();
+        desktop.windows.focus(window);
+        desktop.run();
+        EXPECT_EQ(requests,
+                  window == fake::Windows::editor ? std::vector<std::string>() : asked(102));
+    }
+}
+
 TEST_F(ConversionTest, TheKindOfApplicationIsKnown) {
     desktop.windows.applications[fake::Windows::editor].kind = ApplicationKind::terminal;
     typeAndConvert(u"");

@@ -76,6 +76,7 @@ public:
     public:
         [[nodiscard]] bool settle() override { return true; }
         [[nodiscard]] bool hasFocus() override { return true; }
+        [[nodiscard]] bool hasHeldKeys() override { return false; }
         [[nodiscard]] bool hasFailed() override { return false; }
     };
 
@@ -105,11 +106,16 @@ TEST(Threads, ConversionRunsBesideTheMainThread) {
     fake::FakeDesktop desktop;
     SlowPoster poster;
     int finished = 0;
+    // Only the typed-text path: the other services in memory are for one thread.
+    for (std::uint64_t window = 0; window < 40; ++window) {
+        desktop.windows.applications[window].kind = ApplicationKind::terminal;
+    }
     for (int round = 0; round < 20; ++round) {
         ThreadedDispatch dispatch;
         const Desktop all = desktop.services();
         AppDelegate app({dispatch, all.log, all.eventSource, poster, all.inputSources,
-                         all.keyTranslator, all.workspace, all.permissions});
+                         all.keyTranslator, all.workspace, all.permissions, all.accessibility,
+                         all.pasteboard, all.applicationProbe});
         app.launch();
         app.model().onStatusChanged = [&](std::string_view) { ++finished; };
         for (std::uint64_t step = 0; step < 40; ++step) {

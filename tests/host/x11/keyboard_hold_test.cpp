@@ -120,6 +120,39 @@ TEST_P(X11Hold, KeysThatGoDownBeforeAndComeUpAfter) {
     EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
 }
 
+TEST_P(X11Hold, ManyKeysInALongHoldComeInTheirOrder) {
+    begin();
+    std::u16string typed;
+    for (int key = 0; key < 60; ++key) {
+        if (key % 10 == 0)
+            post(u"ab");
+        const bool isShifted = key % 7 == 0;
+        if (isShifted)
+            rig.press(keyCode::leftShift);
+        rig.strike(key % 3 == 0 ? keyQ : keyW);
+        if (isShifted)
+            rig.release(keyCode::leftShift);
+        typed += key % 3 == 0 ? (isShifted ? u'Q' : u'q') : (isShifted ? u'W' : u'w');
+    }
+    rig.press(keyW); // until it repeats, which the server makes it do after two thirds of a second
+    for (int wait = 0; wait < 6; ++wait)
+        rig.rest();
+    rig.release(keyW);
+    rig.strike(keyQ);
+    EXPECT_EQ(rig.text(), u"qabababababab");
+    end();
+    EXPECT_TRUE(rig.becomes([&] { return rig.text().ends_with(u"wq"); }));
+    rig.rest();
+    const std::u16string start = u"qabababababab" + typed;
+    const std::u16string text = rig.text();
+    ASSERT_TRUE(text.starts_with(start));
+    const std::size_t repeats = text.size() - start.size() - 1;
+    EXPECT_GT(repeats, 2U);
+    EXPECT_EQ(text.substr(start.size()), std::u16string(repeats, u'w') + u"q");
+    EXPECT_EQ(recorded, u"q" + typed + std::u16string(repeats, u'w') + u"q");
+    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
+}
+
 TEST_P(X11Hold, FocusTakenInTheMiddleGoesBackForTheRest) {
     begin();
     post(u"ab");

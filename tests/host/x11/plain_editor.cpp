@@ -98,7 +98,8 @@ void PlainEditor::handleKey(xkb_state* state, const xcb_key_press_event_t& event
     if (keysym == XKB_KEY_BackSpace) {
         if (!text_.empty())
             text_.pop_back();
-    } else if ((event.state & commandModifiers) != 0) {
+    } else if ((event.state & commandModifiers) != 0 ||
+               (keysym >= XKB_KEY_Home && keysym <= XKB_KEY_Begin)) {
         xkb_keysym_get_name(keysym, utf8.data(), utf8.size());
         commands_ += std::to_string(event.state & 0xFFU) + "+" + utf8.data() + " ";
     } else if (length > 0) {

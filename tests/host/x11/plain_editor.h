@@ -25,7 +25,7 @@ public:
     void ungrabKeyboard();
     [[nodiscard]] xcb_window_t window() const { return window_; }
     [[nodiscard]] std::u16string text();
-    /// The keysyms and modifiers of presses that typed nothing, such as "4+c" for Control-C.
+    /// The keysyms and modifiers of shortcuts and cursor keys, such as "4+c" for Control-C.
     [[nodiscard]] std::string commands();
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/x11_workspace.h"
 
+#include "tests/host/x11/window_client.h"
 #include "tests/support/real_desktop/x_server.h"
 
 #include <gtest/gtest.h>
@@ -21,59 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_view_literals;
-
-/// Another program of the session, and the window manager where one is needed.
-class Client {
-public:
-    explicit Client(const std::string& display) : connection_(connectX11(display.c_str())) {
-        root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_.get())).data->root;
-    }
-
-    [[nodiscard]] xcb_window_t root() const { return root_; }
-    /// A visible window, 100 by 100 pixels, at the same place both ways.
-    xcb_window_t window(xcb_window_t parent, std::int16_t place = 0) {
-        const xcb_window_t window = xcb_generate_id(connection_.get());
-        xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, window, parent, place, place,
-                          100, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0,
-                          nullptr);
-        xcb_map_window(connection_.get(), window);
-        return window;
-    }
-    void set(xcb_window_t window, std::string_view property, std::string_view bytes,
-             xcb_atom_t type = XCB_ATOM_STRING, std::uint8_t format = 8) {
-        xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, window, atom(property), type,
-                            format, static_cast<std::uint32_t>(bytes.size() * 8 / format),
-                            bytes.data());
-        atom(property); // the server has then done it
-    }
-    void set(xcb_window_t window, std::string_view property, xcb_atom_t type, std::uint32_t item) {
-        set(window, property, {reinterpret_cast<const char*>(&item), sizeof item}, type, 32);
-    }
-    void focus(xcb_window_t window) {
-        xcb_set_input_focus(connection_.get(), XCB_INPUT_FOCUS_NONE, window, XCB_CURRENT_TIME);
-        atom("DONE");
-    }
-    void movePointer(std::int16_t place) {
-        xcb_warp_pointer(connection_.get(), XCB_NONE, root_, 0, 0, 0, 0, place, place);
-        atom("DONE");
-    }
-    void destroy(xcb_window_t window) {
-        xcb_destroy_window(connection_.get(), window);
-        atom("DONE");
-    }
-    xcb_atom_t atom(std::string_view name) {
-        const XcbPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-            connection_.get(),
-            xcb_intern_atom(connection_.get(), 0, static_cast<std::uint16_t>(name.size()),
-                            name.data()),
-            nullptr));
-        return reply->atom;
-    }
-
-private:
-    XcbConnectionPtr connection_;
-    xcb_window_t root_ = XCB_NONE;
-};
 
 class WorkspaceTest : public testing::Test {
 protected:
@@ -104,7 +52,7 @@ protected:
     xcb_window_t focusedWindow() { return static_cast<xcb_window_t>(workspace_->focusTarget().id); }
 
     real::XServer server_;
-    Client client_{server_.display()};
+    WindowClient client_{server_.display()};
     fs::path directory_;
     std::unique_ptr<X11Workspace> workspace_;
 };
@@ -225,7 +173,7 @@ TEST_F(WorkspaceTest, TakesAnyPropertyValue) {
 TEST_F(WorkspaceTest, SurvivesWindowsThatVanishWhileItLooks) {
     std::atomic<bool> isEnough = false;
     std::thread other([&] {
-        Client client(server_.display());
+        WindowClient client(server_.display());
         while (!isEnough) {
             const xcb_window_t top = client.window(client.root());
             client.set(top, "WM_CLASS", "main\0Editor\0"sv);

@@ -51,7 +51,8 @@ X11Rig::X11Rig(const std::string& layouts) {
     editor_ = std::make_unique<PlainEditor>(server_.display());
     other_ = std::make_unique<PlainEditor>(server_.display());
     editor_->focus();
-    services_ = X11Services::create(server_.display(), loop_, [this] { isServerGone_ = true; });
+    services_ = X11Services::create(server_.display(), loop_, secureEntry_,
+                                    [this] { isServerGone_ = true; });
 }
 
 X11Rig::~X11Rig() {
@@ -78,7 +79,10 @@ Desktop X11Rig::services() {
             .inputSources = services_->inputSources(),
             .keyTranslator = services_->keyTranslator(),
             .workspace = services_->workspace(),
-            .permissions = services_->permissions()};
+            .permissions = services_->permissions(),
+            .accessibility = accessibility_,
+            .pasteboard = services_->pasteboard(),
+            .applicationProbe = services_->applicationProbe()};
 }
 
 void X11Rig::press(KeyCode keyCode) {

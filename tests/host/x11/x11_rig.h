@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/linux/atspi/atspi_accessibility.h"
 #include "host/linux/desktop/stderr_log.h"
+#include "host/linux/secure_entry.h"
 #include "host/linux/x11/x11_services.h"
 #include "tests/host/x11/plain_editor.h"
 #include "tests/host/x11/poll_loop.h"
@@ -65,6 +67,8 @@ private:
     PollLoop loop_;
     Queue queue_;
     StderrLog log_{LogLevel::error};
+    SecureEntry secureEntry_;
+    AbsentAccessibility accessibility_;
     _XDisplay* xlib_ = nullptr;
     bool isServerGone_ = false;
     std::unique_ptr<real::Keyboard> keyboard_;

@@ -10,7 +10,8 @@ FakeDesktop::FakeDesktop() {
 }
 
 Desktop FakeDesktop::services() {
-    return {scheduler, log, events, keyboard, layouts, translator, windows, permissions};
+    return {scheduler, log,         events,        keyboard,   layouts, translator,
+            windows,   permissions, accessibility, pasteboard, probe};
 }
 
 void FakeDesktop::type(std::u16string_view labels) {

@@ -2,13 +2,16 @@
 #pragma once
 
 #include "host/desktop.h"
+#include "tests/support/fake_desktop/accessibility.h"
 #include "tests/support/fake_desktop/event_hub.h"
 #include "tests/support/fake_desktop/keyboard.h"
 #include "tests/support/fake_desktop/layouts.h"
+#include "tests/support/fake_desktop/pasteboard.h"
 #include "tests/support/fake_desktop/recording_log.h"
 #include "tests/support/fake_desktop/scheduler.h"
 #include "tests/support/fake_desktop/windows.h"
 
+#include <algorithm>
 #include <functional>
 #include <string_view>
 
@@ -20,6 +23,21 @@ public:
 
     [[nodiscard]] bool isAccessibilityTrusted() override { return accessibility; }
     [[nodiscard]] bool mayListenToEvents() override { return true; }
+};
+
+class Probe final : public ApplicationProbe {
+public:
+    explicit Probe(Scheduler& scheduler) : scheduler_(scheduler) {}
+
+    double answerTime = 0; ///< seconds
+
+    [[nodiscard]] bool isResponding(FocusTarget /*target*/, double timeout) override {
+        scheduler_.pass(std::min(answerTime, timeout));
+        return answerTime < timeout;
+    }
+
+private:
+    Scheduler& scheduler_;
 };
 
 /// A whole session in memory, in virtual time: an editor with the focus, US and Russian layouts,
@@ -37,9 +55,12 @@ public:
     EventHub events{scheduler};
     Layouts layouts;
     Translator translator;
-    Windows windows;
+    Pasteboard pasteboard;
+    Windows windows{pasteboard, scheduler};
+    Accessibility accessibility{windows, scheduler};
     Keyboard keyboard{scheduler, events, layouts, windows};
     GrantedPermissions permissions;
+    Probe probe{scheduler};
 
     [[nodiscard]] Desktop services();
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/fake_desktop/keyboard.h"
 
+#include <algorithm>
+
 namespace kelvora::fake {
 
 namespace {
@@ -51,7 +53,12 @@ public:
     [[nodiscard]] TextField* receiver() {
         hasBegun_ = hasBegun_ || hasFocus();
         hasFailed_ = hasFailed_ || !hasBegun_ || keyboard_.windows_.isGrabbed();
-        return hasFailed_ ? nullptr : &keyboard_.windows_.field(target_);
+        return hasFailed_ ? nullptr : &keyboard_.windows_.field(target_.id);
+    }
+    [[nodiscard]] bool hasHeldKeys() override {
+        return std::ranges::any_of(keyboard_.heldBack_, [](const UserKey& key) {
+            return key.direction == KeyDirection::down && !modifierFlags.contains(key.keyCode);
+        });
     }
     [[nodiscard]] bool hasFailed() override { return hasFailed_; }
 

@@ -1,31 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/input_event.h"
 #include "host/workspace.h"
+#include "tests/support/fake_desktop/text_field.h"
 
 #include <functional>
 #include <map>
 #include <string>
-#include <string_view>
 
 namespace kelvora::fake {
-
-/// The text of one window, as an ordinary editor keeps it; the caret stays at its end.
-class TextField {
-public:
-    /// A key went down in the window, and types `event.text` if it types anything.
-    void receive(const InputEvent& event);
-
-    [[nodiscard]] const std::u16string& text() const { return text_; }
-
-private:
-    std::u16string text_;
-};
 
 /// The windows of the session, each an application of its own, and the focus.
 class Windows final : public Workspace {
 public:
+    Windows(Pasteboard& pasteboard, Scheduler& scheduler)
+        : pasteboard_(pasteboard), scheduler_(scheduler) {}
+
     static constexpr std::uint64_t editor = 1; ///< what has the focus at first
     static constexpr std::uint64_t otherEditor = 2;
 
@@ -33,8 +23,8 @@ public:
     std::function<void(std::function<void()>)> notifyInOrder;
 
     std::map<std::uint64_t, FrontmostApplication> applications{
-        {editor, {.bundleIdentifier = "org.example.editor"}},
-        {otherEditor, {.bundleIdentifier = "org.example.other"}},
+        {editor, {.bundleIdentifier = "org.example.editor", .processIdentifier = 101}},
+        {otherEditor, {.bundleIdentifier = "org.example.other", .processIdentifier = 102}},
     };
 
     /// 0: nothing has the focus.
@@ -47,9 +37,11 @@ public:
 
     /// Where keys go now; null when they go nowhere.
     [[nodiscard]] TextField* focusedField();
-    [[nodiscard]] TextField& field(FocusTarget target) { return fields_[target.id]; }
+    [[nodiscard]] TextField& field(std::uint64_t window = editor) {
+        return fields_.try_emplace(window, pasteboard_, scheduler_).first->second;
+    }
     [[nodiscard]] std::u16string text(std::uint64_t window = editor) {
-        return fields_[window].text();
+        return field(window).text();
     }
 
     [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override;
@@ -61,6 +53,8 @@ public:
 private:
     void focusChanged();
 
+    Pasteboard& pasteboard_;
+    Scheduler& scheduler_;
     std::map<std::uint64_t, TextField> fields_;
     std::uint64_t focused_ = editor;
     bool grabbed_ = false;

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/atspi/atspi_element.h"
+
+#include "host/linux/atspi/text_roles.h"
+
+#include <algorithm>
+
+namespace kelvora {
+namespace {
+
+constexpr std::size_t mostChildren = 32;
+constexpr std::int32_t longestValue = 1'000'000;
+/// How much of an unmarked text is looked at for a line break.
+constexpr std::int32_t lineBreakReach = 10'000;
+
+AccessibilityAttribute failed(AccessibilityError error) {
+    return {error, {}};
+}
+
+AccessibilityAttribute failed(BusError error) {
+    return failed(toAccessibilityError(error));
+}
+
+AccessibilityAttribute textValue(std::u16string text) {
+    return {AccessibilityError::success, std::move(text)};
+}
+
+bool contains(const std::vector<std::string>& interfaces, const char* name) {
+    return std::find(interfaces.begin(), interfaces.end(), name) != interfaces.end();
+}
+
+} // namespace
+
+AccessibilityAttribute AtspiElement::copyAttributeValue(std::string_view name) {
+    if (!session_->begin())
+        return failed(AccessibilityError::apiDisabled);
+    if (name == accessibilityAttribute::focusedElement)
+        return focusedChild();
+    if (name == accessibilityAttribute::selectedText)
+        return selectedText();
+    if (name == accessibilityAttribute::value)
+        return wholeText();
+    return failed(AccessibilityError::attributeUnsupported);
+}
+
+AccessibilityError AtspiElement::setAttributeValue(std::string_view name,
+                                                   const AccessibilityValue& value) {
+    if (name != accessibilityAttribute::selectedText)
+        return AccessibilityError::attributeUnsupported;
+    const auto* const newText = std::get_if<std::u16string>(&value);
+    if (newText == nullptr || !canBeSent(*newText))
+        return AccessibilityError::illegalArgument;
+    if (!session_->begin())
+        return AccessibilityError::apiDisabled;
+    return replaceSelection(*newText);
+}
+
+AccessibilityAttribute AtspiElement::focusedChild() {
+    const auto states = session_->states(object_);
+    if (!states)
+        return failed(states.error);
+    const auto interfaces =
+        session_->call<std::vector<std::string>>(object_, atspi::accessible, "GetInterfaces");
+    if (!interfaces)
+        return failed(interfaces.error);
+    if (!states.value.has(AtspiState::focused) || contains(interfaces.value, atspi::text) ||
+        states.value.has(AtspiState::managesDescendants))
+        return failed(AccessibilityError::noValue);
+    const auto count = session_->property<std::int32_t>(object_, atspi::accessible, "ChildCount");
+    if (!count || count.value > static_cast<std::int32_t>(mostChildren))
+        return failed(count ? AccessibilityError::noValue : toAccessibilityError(count.error));
+    const auto children =
+        session_->call<std::vector<AtspiReference>>(object_, atspi::accessible, "GetChildren");
+    for (const AtspiReference& child : children.value) {
+        const auto childStates = session_->states(child);
+        if (isWithoutAnswer(childStates.error))
+            return failed(childStates.error);
+        if (!childStates || !childStates.value.has(AtspiState::focused))
+            continue;
+        if (session_->property<std::int32_t>(child, atspi::text, "CharacterCount"))
+            return {AccessibilityError::success, std::make_shared<AtspiElement>(session_, child)};
+    }
+    return failed(AccessibilityError::noValue);
+}
+
+AccessibilityAttribute AtspiElement::selectedText() {
+    if (const BusError error = mayRead(); error != BusError::none)
+        return failed(error);
+    const auto range = text().selection();
+    if (!range)
+        return failed(range.error);
+    auto selected = text().read(range.value);
+    if (!selected)
+        return failed(selected.error);
+    // What is inside such an object is selected too, and not in this text.
+    if (selected.value.find(objectReplacement) != std::u16string::npos)
+        return failed(AccessibilityError::attributeUnsupported);
+    return textValue(std::move(selected.value));
+}
+
+AccessibilityAttribute AtspiElement::wholeText() {
+    if (const BusError error = mayRead(); error != BusError::none)
+        return failed(error);
+    const auto length = text().length();
+    if (!length)
+        return failed(length.error);
+    AtspiRange range{0, length.value};
+    if (length.value > longestValue) {
+        const auto caret = text().caret();
+        if (!caret)
+            return failed(caret.error);
+        range.begin = std::clamp(caret.value - longestValue / 2, 0, length.value - longestValue);
+        range.end = range.begin + longestValue;
+    }
+    auto whole = text().read(range);
+    if (!whole)
+        return failed(whole.error);
+    return textValue(std::move(whole.value));
+}
+
+AccessibilityError AtspiElement::replaceSelection(std::u16string_view newText) {
+    if (const BusError error = mayWrite(); error != BusError::none)
+        return toAccessibilityError(error);
+    const auto range = text().selection();
+    if (!range)
+        return toAccessibilityError(range.error);
+    if (range.value.begin == range.value.end)
+        return AccessibilityError::noValue;
+    const auto old = text().read(range.value);
+    if (!old)
+        return toAccessibilityError(old.error);
+    if (old.value.find(objectReplacement) != std::u16string::npos)
+        return AccessibilityError::attributeUnsupported;
+    return toAccessibilityError(
+        text().replace(range.value, old.value, newText, {}, newText.size()));
+}
+
+TextRole AtspiElement::role() {
+    if (!session_->begin())
+        return TextRole::unknown;
+    return readTextRole().value;
+}
+
+BusReply<TextRole> AtspiElement::readTextRole() {
+    const auto role = session_->call<std::uint32_t>(object_, atspi::accessible, "GetRole");
+    const auto states = session_->states(object_);
+    if (!role || !states)
+        return {role ? states.error : role.error, TextRole::unknown};
+    const TextRole found = textRoleOf(role.value, states.value, TextRole::singleLine);
+    if (found != TextRole::singleLine || states.value.has(AtspiState::singleLine))
+        return {BusError::none, found};
+    // Qt and GTK 4 leave their fields of one line unmarked. So do others their documents.
+    const auto toolkit = session_->toolkit(object_);
+    const TextRole unmarked =
+        toolkit.value == Toolkit::other ? TextRole::multiLine : TextRole::singleLine;
+    const TextRole told = textRoleOf(role.value, states.value, unmarked);
+    if (told != TextRole::singleLine)
+        return {BusError::none, told};
+    const auto length = text().length();
+    const auto begin = text().read({0, std::min(length.value, lineBreakReach)});
+    if (!length || !begin)
+        return {BusError::none, told};
+    const bool hasLines = begin.value.find_first_of(u"\n\x2029") != std::u16string::npos;
+    return {BusError::none, hasLines ? TextRole::multiLine : TextRole::singleLine};
+}
+
+BusError AtspiElement::mayRead() {
+    const auto role = session_->call<std::uint32_t>(object_, atspi::accessible, "GetRole");
+    if (!role)
+        return role.error;
+    return textRoleOf(role.value, {}, TextRole::unknown) == TextRole::password
+               ? BusError::unsupported
+               : BusError::none;
+}
+
+BusError AtspiElement::mayWrite() {
+    const auto role = readTextRole();
+    if (!role)
+        return role.error;
+    if (role.value != TextRole::singleLine && role.value != TextRole::multiLine)
+        return BusError::unsupported;
+    const auto states = session_->states(object_);
+    if (!states)
+        return states.error;
+    // GTK 4 knows only the second of the two.
+    const bool isEnabled =
+        states.value.has(AtspiState::enabled) || states.value.has(AtspiState::sensitive);
+    if (!isEnabled || states.value.has(AtspiState::defunct))
+        return BusError::unsupported;
+    // Qt's line edits (5.15, 6.4) take such a change for a new text, and forget what could be
+    // undone: pasted text is taken as an edit.
+    const auto toolkit = session_->toolkit(object_);
+    if (!toolkit)
+        return toolkit.error;
+    if (toolkit.value == Toolkit::qt && !states.value.has(AtspiState::multiLine))
+        return BusError::unsupported;
+    const auto interfaces =
+        session_->call<std::vector<std::string>>(object_, atspi::accessible, "GetInterfaces");
+    if (!interfaces)
+        return interfaces.error;
+    return contains(interfaces.value, atspi::editableText) ? BusError::none : BusError::unsupported;
+}
+
+} // namespace kelvora

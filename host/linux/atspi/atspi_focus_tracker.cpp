@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/atspi/atspi_focus_tracker.h"
+
+namespace kelvora {
+
+void AtspiFocusTracker::windowActivated(const AtspiReference& window) {
+    Application& application = applications_[window.busName];
+    application.tellsOfWindows = true;
+    application.activeWindow = window.path;
+    active_ = window.busName;
+}
+
+void AtspiFocusTracker::windowDeactivated(const AtspiReference& window) {
+    Application& application = applications_[window.busName];
+    application.tellsOfWindows = true;
+    // Another window of the same application may have been activated before.
+    if (!application.activeWindow.empty() && application.activeWindow != window.path)
+        return;
+    application.activeWindow.clear();
+    application.focus.reset();
+    if (active_ == window.busName)
+        active_.clear();
+}
+
+void AtspiFocusTracker::focusGained(const AtspiReference& object, AtspiObjectKind kind) {
+    Application& application = applications_[object.busName];
+    application.focus = Focus{object, kind};
+    // An application that tells of its windows may also focus something in one that is not active.
+    if (active_.empty() && !application.tellsOfWindows)
+        active_ = object.busName;
+}
+
+void AtspiFocusTracker::focusLost(const AtspiReference& object) {
+    if (hasFocus(object))
+        applications_[object.busName].focus.reset();
+}
+
+void AtspiFocusTracker::applicationGone(const std::string& busName) {
+    applications_.erase(busName);
+    if (active_ == busName)
+        active_.clear();
+    if (lastText_ && lastText_->busName == busName)
+        lastText_.reset();
+}
+
+void AtspiFocusTracker::setProcess(const std::string& busName, std::int32_t processIdentifier) {
+    applications_[busName].process = processIdentifier;
+}
+
+bool AtspiFocusTracker::knowsProcess(const std::string& busName) const {
+    const auto found = applications_.find(busName);
+    return found != applications_.end() && found->second.process != 0;
+}
+
+bool AtspiFocusTracker::hasFocus(const AtspiReference& object) const {
+    const auto found = applications_.find(object.busName);
+    return found != applications_.end() && found->second.focus &&
+           found->second.focus->object == object;
+}
+
+bool AtspiFocusTracker::hasAnyFocus(const std::string& busName) const {
+    const auto found = applications_.find(busName);
+    return found != applications_.end() && found->second.focus.has_value();
+}
+
+std::optional<AtspiReference> AtspiFocusTracker::focusedText(const std::string& busName) const {
+    const auto found = applications_.find(busName);
+    if (found == applications_.end() || !found->second.focus || !found->second.focus->kind.isText)
+        return std::nullopt;
+    return found->second.focus->object;
+}
+
+std::optional<AtspiReference> AtspiFocusTracker::focusedElement(std::int32_t process) const {
+    for (const auto& [busName, application] : applications_) {
+        if (application.process == process && process != 0 && application.focus)
+            return application.focus->object;
+    }
+    return std::nullopt;
+}
+
+std::optional<AtspiReference> AtspiFocusTracker::focusedElement() const {
+    const Application* application = activeApplication();
+    if (application == nullptr || !application->focus)
+        return std::nullopt;
+    return application->focus->object;
+}
+
+FocusReport AtspiFocusTracker::report() {
+    FocusReport report{.secrecy = FocusSecrecy::ordinary, .isOtherText = false};
+    const Application* application = activeApplication();
+    if (application == nullptr || !application->focus)
+        return report;
+    const Focus& focus = *application->focus;
+    if (focus.kind.isSecret)
+        report.secrecy = FocusSecrecy::secret;
+    if (focus.kind.isText) {
+        report.isOtherText = lastText_ && *lastText_ != focus.object;
+        lastText_ = focus.object;
+    }
+    return report;
+}
+
+const AtspiFocusTracker::Application* AtspiFocusTracker::activeApplication() const {
+    const auto found = applications_.find(active_);
+    return found != applications_.end() ? &found->second : nullptr;
+}
+
+} // namespace kelvora

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/linux/atspi/atspi_reference.h"
+#include "host/linux/secure_entry.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace kelvora {
+
+/// What an object is to somebody who types.
+struct AtspiObjectKind {
+    bool isText = false;
+    bool isSecret = false;
+};
+
+/// Which object has the focus in each application, and which application is the active one. Values
+/// only; asks nobody. One thread.
+class AtspiFocusTracker {
+public:
+    void windowActivated(const AtspiReference& window);
+    void windowDeactivated(const AtspiReference& window);
+    void focusGained(const AtspiReference& object, AtspiObjectKind kind);
+    void focusLost(const AtspiReference& object);
+    void applicationGone(const std::string& busName);
+    void setProcess(const std::string& busName, std::int32_t processIdentifier);
+
+    [[nodiscard]] bool knowsProcess(const std::string& busName) const;
+    [[nodiscard]] bool isActive(const std::string& busName) const { return busName == active_; }
+    [[nodiscard]] bool hasFocus(const AtspiReference& object) const;
+    [[nodiscard]] bool hasAnyFocus(const std::string& busName) const;
+    /// The text that has the focus in the application.
+    [[nodiscard]] std::optional<AtspiReference> focusedText(const std::string& busName) const;
+
+    [[nodiscard]] std::optional<AtspiReference> focusedElement(std::int32_t process) const;
+    [[nodiscard]] std::optional<AtspiReference> focusedElement() const;
+    /// Of the active application. Each call compares with the text of the call before.
+    [[nodiscard]] FocusReport report();
+
+private:
+    struct Focus {
+        AtspiReference object;
+        AtspiObjectKind kind;
+    };
+    struct Application {
+        std::int32_t process = 0;    ///< 0 when unknown
+        bool tellsOfWindows = false; ///< it has told of one at some time
+        std::string activeWindow;    ///< path; empty when none is
+        std::optional<Focus> focus;
+    };
+
+    [[nodiscard]] const Application* activeApplication() const;
+
+    std::map<std::string, Application> applications_; ///< by bus name
+    std::string active_;                              ///< bus name; empty when none is
+    std::optional<AtspiReference> lastText_;
+};
+
+} // namespace kelvora

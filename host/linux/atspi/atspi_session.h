@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/accessibility.h"
+#include "host/linux/atspi/atspi_connection.h"
+#include "host/linux/atspi/text_units.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace kelvora {
+
+enum class Toolkit {
+    other,
+    gtk, ///< also LibreOffice and whatever else speaks through GTK
+    qt,
+};
+
+/// The application or the bus did not answer: asking on has no sense.
+[[nodiscard]] bool isWithoutAnswer(BusError error);
+[[nodiscard]] AccessibilityError toAccessibilityError(BusError error);
+
+/// What all elements share: the connection, made when first needed, and what is known of the
+/// applications on it. An application that let a call run out of time is not asked again for a
+/// while, so that all the calls of one conversion together wait for it only once. One thread at a
+/// time.
+class AtspiSession {
+public:
+    /// How long an application that did not answer is left alone.
+    static constexpr std::chrono::milliseconds restAfterTimeout{2000};
+
+    /// Begins one request of a caller: all calls until the next one end within `limit`. False when
+    /// there is no accessibility.
+    [[nodiscard]] bool begin(std::chrono::milliseconds limit = BusConnection::longestCall);
+    /// More time for a request that must not be left half done.
+    void extend(std::chrono::milliseconds limit);
+
+    // As those of BusConnection. Without a connection, and for an application that is being left
+    // alone, they fail at once.
+    template <typename Value>
+    [[nodiscard]] BusReply<Value> call(const AtspiReference& object, const char* interface,
+                                       const char* method,
+                                       BusConnection::Arguments arguments = {}) {
+        BusReply<Value> reply{mayAsk(object), {}};
+        if (reply.error == BusError::none)
+            reply = connection_->call<Value>(object, interface, method, arguments);
+        note(object, reply.error);
+        return reply;
+    }
+    template <typename Value>
+    [[nodiscard]] BusReply<Value> property(const AtspiReference& object, const char* interface,
+                                           const char* name) {
+        BusReply<Value> reply{mayAsk(object), {}};
+        if (reply.error == BusError::none)
+            reply = connection_->property<Value>(object, interface, name);
+        note(object, reply.error);
+        return reply;
+    }
+    /// Sends without waiting, also to an application that is being left alone.
+    void send(const AtspiReference& object, const char* interface, const char* method,
+              BusConnection::Arguments arguments);
+
+    [[nodiscard]] BusReply<AtspiStates> states(const AtspiReference& object);
+    [[nodiscard]] BusReply<Toolkit> toolkit(const AtspiReference& object);
+
+    /// Absent until something in the application's text has told.
+    [[nodiscard]] std::optional<OffsetUnit> offsetUnit(const AtspiReference& object);
+    void learnOffsetUnit(const AtspiReference& object, OffsetUnit unit);
+
+private:
+    using Clock = BusConnection::Clock;
+
+    struct Application {
+        std::optional<Toolkit> toolkit;
+        std::optional<OffsetUnit> offsetUnit;
+        Clock::time_point restsUntil = Clock::time_point::min();
+    };
+
+    [[nodiscard]] BusError mayAsk(const AtspiReference& object);
+    void note(const AtspiReference& object, BusError error);
+
+    std::unique_ptr<BusConnection> connection_;
+    Clock::time_point nextAttempt_ = Clock::time_point::min();
+    std::map<std::string, Application> applications_; ///< by bus name, which is never used again
+};
+
+} // namespace kelvora

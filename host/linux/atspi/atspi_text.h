@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/linux/atspi/atspi_session.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kelvora {
+
+/// Positions in an application's own count (OffsetUnit), end exclusive.
+struct AtspiRange {
+    std::int32_t begin = 0;
+    std::int32_t end = 0;
+
+    friend bool operator==(const AtspiRange&, const AtspiRange&) = default;
+};
+
+/// Stands for a picture, a note or the like in a text; written as text it would replace that.
+inline constexpr char16_t objectReplacement = u'\xFFFC';
+
+/// The text of one object, as its application gives and takes it. One thread at a time.
+class AtspiText {
+public:
+    AtspiText(AtspiSession& session, AtspiReference object)
+        : session_(session), object_(std::move(object)) {}
+
+    /// `unsupported` when the object has no text.
+    [[nodiscard]] BusReply<std::int32_t> length();
+    [[nodiscard]] BusReply<std::int32_t> caret();
+    /// The one selection that is not empty; an empty range when there is none. `unsupported` for
+    /// several, or one that goes on in the neighbours: part of a selection is not what the user
+    /// selected.
+    [[nodiscard]] BusReply<AtspiRange> selection();
+    /// Exactly that part; `refused` when the application gives more or less than it was asked for.
+    [[nodiscard]] BusReply<std::u16string> read(AtspiRange range);
+
+    /// Replaces a range, which must hold exactly `old`, and sets the caret `caret` UTF-16 units
+    /// behind its begin (in `replacement`, then `following`, the text behind the range). The new
+    /// text goes in before the old one goes out, and each step is read back: whatever fails in
+    /// between, nothing is lost, and what came out wrong is taken out again.
+    [[nodiscard]] BusError replace(AtspiRange range, std::u16string_view old,
+                                   std::u16string_view replacement, std::u16string_view following,
+                                   std::size_t caret);
+
+    /// What is known of the application's unit; code points, which the interface means, until then.
+    [[nodiscard]] OffsetUnit unit();
+
+private:
+    struct Insertion {
+        BusError error = BusError::none;
+        std::int32_t length = 0; ///< of the new text in the application's count
+    };
+
+    [[nodiscard]] Insertion insert(AtspiRange behind, std::u16string_view old,
+                                   std::u16string_view text);
+    [[nodiscard]] BusError erase(AtspiRange range);
+    void takeOut(AtspiRange range, std::u16string_view old, std::int32_t lengthBefore,
+                 std::u16string_view behind);
+    void takeOutLater(std::int32_t position, std::u16string_view text);
+    void placeCaret(std::int32_t position);
+    [[nodiscard]] bool holds(AtspiRange range, std::u16string_view text);
+    [[nodiscard]] BusReply<bool> isSelectedBeyond(int step);
+
+    AtspiSession& session_;
+    AtspiReference object_;
+};
+
+} // namespace kelvora

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/event_source.h"
+#include "host/linux/secure_entry.h"
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <variant>
+
+namespace kelvora {
+
+/// Stands between the desktop's events and their reader, and lets nothing through that goes to a
+/// password field.
+///
+/// News of the focus comes late. So what follows an event that may have moved the focus is held
+/// back, in its order, for `longestHold`; by then it is known where it went. While nobody follows
+/// the focus everything passes at once. Main thread only; keeps no clock of its own.
+class SecureEntryGate final : private SecureEntryListener {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    static constexpr std::chrono::milliseconds longestHold{50};
+    /// A focus that moves longer than this after the user's last act was moved by the application.
+    static constexpr std::chrono::seconds longestEffect{1};
+    /// A secret focus that nobody confirms this long after the window changed is that of an
+    /// application which does not tell any more.
+    static constexpr std::chrono::seconds longestSilence{1};
+
+    struct Outputs {
+        EventHandler deliver;
+        /// What was typed before does not belong to what has the focus now.
+        std::function<void()> onFocusChanged;
+        /// Everything before the fence has been delivered or dropped.
+        std::function<void()> onFencePassed;
+        /// `handleTimer` is to be called at that time; replaces what was asked for before.
+        std::function<void(Time)> setTimer;
+    };
+
+    /// Without `secureEntry` nobody ever follows the focus.
+    SecureEntryGate(SecureEntry* secureEntry, Outputs outputs);
+    ~SecureEntryGate() override;
+    SecureEntryGate(const SecureEntryGate&) = delete;
+    SecureEntryGate& operator=(const SecureEntryGate&) = delete;
+
+    void handleEvent(const InputEvent& event, Time now);
+    /// Another window has the keyboard. What was held back is dropped: it went to the old one.
+    void handleWindowChange(Time now);
+    void handleFence(Time now);
+    void handleTimer(Time now);
+    /// Drops what is held back.
+    void clear();
+
+private:
+    /// Counts the events that may have moved the focus: all that is held back after the same one
+    /// goes to the same element.
+    using Epoch = std::uint64_t;
+
+    struct Fence {};
+    struct Held {
+        std::variant<InputEvent, Fence> item;
+        Epoch epoch;
+        Time end;
+    };
+
+    void onFocusReport(const FocusReport& report, Time now) override;
+    void beginEpoch(Time now);
+    void hold(std::variant<InputEvent, Fence> item);
+    void releaseDue(Time now);
+    void decide(InputEvent& event, Epoch epoch, Time now);
+    [[nodiscard]] bool isSecret(Epoch epoch, Time now) const;
+
+    SecureEntry* secureEntry_;
+    Outputs outputs_;
+    FocusSecrecy secrecy_ = FocusSecrecy::untold;
+    std::optional<Time> toldAt_;
+    std::optional<Time> secretEnd_; ///< unless confirmed until then
+    std::optional<Time> lastAct_;   ///< of the user
+    std::deque<Held> held_;
+    Epoch epoch_ = 1;
+    Epoch lastSecretEpoch_ = 0; ///< of those before the present one
+    /// In which typed text was dropped: the rest of the same word must not be taken for all of it.
+    Epoch incompleteEpoch_ = 0;
+    Time holdEnd_ = Time::min();
+};
+
+} // namespace kelvora

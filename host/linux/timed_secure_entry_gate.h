@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/linux/event_loop.h"
+#include "host/linux/secure_entry_gate.h"
+
+#include <functional>
+#include <memory>
+
+namespace kelvora {
+
+/// A SecureEntryGate that runs by the clock, with a timer in the main loop. Main thread only.
+class TimedSecureEntryGate {
+public:
+    /// The arguments are those of SecureEntryGate; the loop and the secure entry outlive the gate.
+    TimedSecureEntryGate(
+        EventLoop& loop, SecureEntry* secureEntry, EventHandler deliver,
+        std::function<void()> onFocusChanged, std::function<void()> onFencePassed = [] {});
+    ~TimedSecureEntryGate();
+
+    void handleEvent(const InputEvent& event);
+    void handleWindowChange();
+    void handleFence();
+    void clear() { gate_.clear(); }
+
+private:
+    void setTimer(SecureEntryGate::Time time) const;
+    void handleTimer();
+
+    int timer_; // -1 when the system has none left: what is held back then waits for what comes
+                // next
+    SecureEntryGate gate_;
+    std::unique_ptr<DescriptorWatch> watch_;
+};
+
+} // namespace kelvora

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/clipboard/clipboard_contents.h"
+
+#include "core/text/encoding.h"
+#include "host/linux/x11/clipboard/clipboard_client.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kelvora {
+namespace {
+
+/// A convention between password managers and clipboard managers; its value is always "secret".
+constexpr std::string_view managerHint = "x-kde-passwordManagerHint";
+
+struct PropertyKind {
+    std::uint8_t format;
+    std::string_view type;
+};
+
+PropertyKind propertyKind(const PasteboardData& data) {
+    const std::string_view encoding = data.encoding;
+    for (const std::uint8_t format : {std::uint8_t{8}, std::uint8_t{16}, std::uint8_t{32}}) {
+        const std::string prefix = propertyEncoding(format, {});
+        if (encoding.starts_with(prefix) && data.bytes->size() % (format / 8) == 0)
+            return {format, encoding.substr(prefix.size())};
+    }
+    return {8, data.type};
+}
+
+std::shared_ptr<const std::vector<std::byte>> toBytes(std::string_view text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    return std::make_shared<const std::vector<std::byte>>(bytes.begin(), bytes.end());
+}
+
+} // namespace
+
+std::string propertyEncoding(std::uint8_t format, std::string_view type) {
+    return std::to_string(format).append(" ").append(type);
+}
+
+ClipboardContents contentsOf(xcb_connection_t* connection, std::vector<PasteboardData> data) {
+    std::vector<std::string_view> names;
+    for (const PasteboardData& each : data) {
+        names.push_back(each.type);
+        names.push_back(propertyKind(each).type);
+    }
+    const std::vector<xcb_atom_t> atoms = internAtoms(connection, names);
+    ClipboardContents contents;
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        const xcb_atom_t target = atoms[2 * i];
+        const xcb_atom_t type = atoms[2 * i + 1];
+        if (target == XCB_ATOM_NONE || type == XCB_ATOM_NONE)
+            continue;
+        contents.isSecret = contents.isSecret || data[i].type == managerHint;
+        const std::uint8_t format = propertyKind(data[i]).format;
+        contents.targets.push_back({target, type, format, std::move(data[i])});
+    }
+    return contents;
+}
+
+std::vector<PasteboardData> secretText(std::u16string_view text) {
+    const auto utf8 = toBytes(toUtf8(text));
+    std::vector<PasteboardData> data{
+        {"UTF8_STRING", propertyEncoding(8, "UTF8_STRING"), utf8},
+        {"text/plain;charset=utf-8", propertyEncoding(8, "text/plain;charset=utf-8"), utf8},
+        {"text/plain", propertyEncoding(8, "text/plain"), utf8}};
+    if (std::ranges::all_of(text, [](char16_t unit) { return unit <= 0xFF; })) {
+        std::string latin1;
+        for (const char16_t unit : text)
+            latin1.push_back(static_cast<char>(unit));
+        const auto bytes = toBytes(latin1);
+        data.push_back({"STRING", propertyEncoding(8, "STRING"), bytes});
+        data.push_back({"TEXT", propertyEncoding(8, "STRING"), bytes});
+    } else {
+        data.push_back({"TEXT", propertyEncoding(8, "UTF8_STRING"), utf8});
+    }
+    data.push_back({std::string(managerHint), propertyEncoding(8, managerHint), toBytes("secret")});
+    return data;
+}
+
+std::u16string textOf(std::span<const std::byte> bytes, bool isLatin1) {
+    if (!bytes.empty() && bytes.back() == std::byte{0})
+        bytes = bytes.first(bytes.size() - 1);
+    if (!isLatin1)
+        return toUtf16({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    std::u16string text;
+    text.reserve(bytes.size());
+    for (const std::byte byte : bytes)
+        text.push_back(std::to_integer<unsigned char>(byte));
+    return text;
+}
+
+std::optional<std::u16string> textOf(const ClipboardContents& contents) {
+    for (const std::string_view name : textTargets)
+        for (const ClipboardTarget& target : contents.targets)
+            if (target.data.type == name && target.format == 8)
+                return textOf(*target.data.bytes, target.type == XCB_ATOM_STRING);
+    return std::nullopt;
+}
+
+} // namespace kelvora
