@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/shell/app_delegate.h"
 #include "host/linux/atspi/atspi_services.h"
-#include "host/linux/desktop/stderr_log.h"
+#include "host/linux/desktop/autostart.h"
+#include "host/linux/desktop/journal_log.h"
+#include "host/linux/desktop/settings_page.h"
+#include "host/linux/desktop/settings_store.h"
 #include "host/linux/loop/qt_dispatch.h"
 #include "host/linux/loop/qt_event_loop.h"
+#include "host/linux/loop/qt_timers.h"
 #include "host/linux/x11/x11_services.h"
 
 #include <QCoreApplication>
@@ -44,7 +48,9 @@ int terminationSignals() {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP})
         sigaddset(&signalSet, signal);
     sigprocmask(SIG_BLOCK, &signalSet, nullptr);
+    // Failures of one write, not the end of the program.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     return signalfd(-1, &signalSet, SFD_CLOEXEC | SFD_NONBLOCK);
 }
 
@@ -67,7 +73,7 @@ int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName("Kelvora");
 
-    StderrLog log(environment("KELVORA_LOG") == "debug" ? LogLevel::debug : LogLevel::info);
+    JournalLog log;
     const std::string display(environment("DISPLAY"));
     if (isWaylandSession())
         log.write(LogLevel::info, category, waylandLimit);
@@ -93,25 +99,42 @@ int main(int argc, char** argv) {
 
     AtspiServices accessibility(loop, secureEntry);
 
+    SettingsStore settings(standardSettingsFile(), log);
+    Autostart autostart(AutostartPlaces::ofSession(), programFile());
+    autostart.repair();
+    SettingsPages settingsPages(std::string(environment("XDG_CURRENT_DESKTOP")), log);
+    QtTimers timers;
+
     // Last made, first to end: a conversion under way completes before anything that it uses goes.
     QtDispatch dispatch;
-    AppDelegate delegate(Desktop{
-        .dispatch = dispatch,
-        .log = log,
-        .eventSource = services->eventSource(),
-        .eventPoster = services->eventPoster(),
-        .inputSources = services->inputSources(),
-        .keyTranslator = services->keyTranslator(),
-        .workspace = services->workspace(),
-        .permissions = services->permissions(),
-        .accessibility = accessibility.accessibility(),
-        .pasteboard = services->pasteboard(),
-        .applicationProbe = services->applicationProbe(),
-        .sessionLimit = isWaylandSession() ? waylandLimit : "",
+    AppDelegate delegate(
+        Desktop{
+            .dispatch = dispatch,
+            .log = log,
+            .eventSource = services->eventSource(),
+            .eventPoster = services->eventPoster(),
+            .inputSources = services->inputSources(),
+            .keyTranslator = services->keyTranslator(),
+            .workspace = services->workspace(),
+            .permissions = services->permissions(),
+            .accessibility = accessibility.accessibility(),
+            .pasteboard = services->pasteboard(),
+            .applicationProbe = services->applicationProbe(),
+            .sessionLimit = isWaylandSession() ? waylandLimit : "",
+        },
+        SessionServices{
+            .timers = timers,
+            .userDefaults = settings,
+            .loginItem = autostart,
+            .addressOpener = settingsPages,
+        });
+    AppModel& model = delegate.model();
+    const auto statusLog = model.observe([&](AppModelProperty property) {
+        if (property == AppModelProperty::hotkeyStatus)
+            log.write(LogLevel::info, "Status", model.hotkeyStatus());
+        else if (property == AppModelProperty::statusMessage && model.statusMessage())
+            log.write(LogLevel::info, "Status", *model.statusMessage());
     });
-    delegate.model().onStatusChanged = [&log](std::string_view status) {
-        log.write(LogLevel::info, "Status", status);
-    };
     delegate.launch();
     return QCoreApplication::exec();
 }

@@ -15,9 +15,11 @@ namespace kelvora {
 enum class AccessibilityError : std::int32_t {
     success = 0,
     failure = -25200,
-    illegalArgument = -25201,      ///< the value is of another type than the attribute
-    invalidElement = -25202,       ///< what it stood for is gone
-    cannotComplete = -25204,       ///< the application did not answer in time
+    illegalArgument = -25201, ///< the value is of another type than the attribute
+    invalidElement = -25202,  ///< what it stood for is gone
+    /// The application did not answer in time, or it took a change otherwise than asked. The text
+    /// may be changed, now or later: nothing more may be sent after it.
+    cannotComplete = -25204,
     attributeUnsupported = -25205, ///< the element has no such attribute, or it is read-only
     apiDisabled = -25211,          ///< the desktop has no accessibility, or it is off
     noValue = -25212,              ///< the attribute has no value now
@@ -65,8 +67,9 @@ struct TextStretch {
 };
 
 /// A reference to a user-interface element of another application. Every call asks that application
-/// and blocks until it answers, for at most half a second. One thread at a time, not the main one
-/// except for writing the two opt-in attributes.
+/// and blocks until it answers: for at most half a second, or a whole one when it writes text, not
+/// counting the time to reach the session's accessibility where that is not connected yet. One
+/// thread at a time, not the main one except for writing the two opt-in attributes.
 class AccessibilityElement {
 public:
     virtual ~AccessibilityElement() = default;
@@ -75,7 +78,8 @@ public:
     [[nodiscard]] virtual AccessibilityAttribute copyAttributeValue(std::string_view name) = 0;
 
     /// Setting the selected text replaces the selection by the new text, with the caret behind it,
-    /// and touches nothing outside of it; whatever does not succeed leaves the text as it was.
+    /// and touches nothing outside of it. The selection must be the text that this element gave out
+    /// last, if it gave one. Every error but `cannotComplete` leaves the text as it was.
     [[nodiscard]] virtual AccessibilityError setAttributeValue(std::string_view name,
                                                                const AccessibilityValue& value) = 0;
 
@@ -87,7 +91,7 @@ public:
 
     /// Replaces the UTF-16 units `begin` to `end` of the stretch's text, which must still be there,
     /// and puts the caret `caret` units behind the start of the replacement. `success` only if read
-    /// back so; otherwise the text is as it was.
+    /// back so; with any error but `cannotComplete` the text is as it was.
     [[nodiscard]] virtual AccessibilityError replace(const TextStretch& stretch, std::size_t begin,
                                                      std::size_t end,
                                                      std::u16string_view replacement,

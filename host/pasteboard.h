@@ -45,9 +45,15 @@ public:
     /// The text of that type; absent when there is none or its owner does not give it in time.
     [[nodiscard]] virtual std::optional<std::u16string> string(std::string_view type) = 0;
 
-    /// Adds a text to what was cleared before. It is there for a moment only and is marked so that
-    /// clipboard managers leave it out of their history. False when the pasteboard is not ours.
+    /// Adds a text to what was cleared before. It is there for a moment only, for the program that
+    /// has the keyboard: it bears the mark that keeps it out of histories, and as most clipboard
+    /// managers ignore that, programs that were seen to fetch what nobody pastes do not get it.
+    /// False when the pasteboard is not ours.
     virtual bool setString(std::u16string_view text, std::string_view type) = 0;
+
+    /// The same with a text that string() gives back here and no other program gets: to them there
+    /// is something, but no text.
+    virtual bool setMarker(std::u16string_view text) = 0;
 
     /// Empties the pasteboard and takes it over; the new change count.
     virtual std::int64_t clearContents() = 0;

@@ -13,8 +13,10 @@ namespace kelvora {
 /// What may be done to an application's text beyond typing, as far as the desktop can tell.
 enum class ApplicationKind {
     ordinary,
-    terminal,    ///< Control combinations are commands there: only typed text is repaired
-    noSelectAll, ///< selecting everything would do harm (files, drawings, other machines)
+    /// Control combinations are commands there, or may be, as on another machine's screen: only
+    /// typed text is repaired.
+    terminal,
+    noSelectAll, ///< selecting everything would do harm (files, drawings, documents)
 };
 
 struct FrontmostApplication {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/conversion/focused_text_converter.h"
 
+#include "app/conversion/keyboard_guard.h"
 #include "app/io/event_posting.h"
 #include "app/io/logger.h"
 #include "core/text/normalization.h"
@@ -21,16 +22,6 @@ std::optional<std::u16string> textIn(AccessibilityAttribute attribute) {
                                                                   : std::nullopt;
 }
 
-/// What follows an error. An application that does not answer would take keys at a time when the
-/// user means something else with them, so that no other path is tried there.
-std::optional<ConversionOutcome> outcomeAfter(AccessibilityError error, const Logger& logger) {
-    if (error != AccessibilityError::cannotComplete) {
-        return std::nullopt;
-    }
-    logger.info("AX path: the application does not answer. Nothing is sent.");
-    return ConversionOutcome::noText();
-}
-
 /// Has the element taken `converted`? Some then report it as selected, others nothing.
 bool hasTaken(AccessibilityElement& element, std::u16string_view converted) {
     const auto selected = textIn(element.copyAttributeValue(accessibilityAttribute::selectedText));
@@ -41,9 +32,9 @@ bool hasTaken(AccessibilityElement& element, std::u16string_view converted) {
 
 } // namespace
 
-std::optional<ConversionOutcome>
-FocusedTextConverter::tryAXPath(AccessibilityElement& element, const ConversionRequest& request,
-                                const ConversionServices& services) {
+AXPathResult FocusedTextConverter::tryAXPath(AccessibilityElement& element,
+                                             const ConversionRequest& request,
+                                             const ConversionServices& services) {
     const Logger& logger = services.logger;
     AccessibilityAttribute selection =
         element.copyAttributeValue(accessibilityAttribute::selectedText);
@@ -51,17 +42,26 @@ FocusedTextConverter::tryAXPath(AccessibilityElement& element, const ConversionR
         logger.debug(
             "AX path: kAXSelectedTextAttribute copy error (%d). Falling back to clipboard.",
             static_cast<std::int32_t>(selection.error));
-        return outcomeAfter(selection.error, logger);
+        if (selection.error != AccessibilityError::cannotComplete) {
+            return {};
+        }
+        // It would take keys at a time when the user means something else with them.
+        logger.info("AX path: the application does not answer. Nothing is sent.");
+        return {ConversionOutcome::noText()};
     }
     const std::optional<std::u16string> selected = textIn(std::move(selection));
     if (!selected || selected->empty()) {
         logger.debug("AX path: no selected text. Falling back to clipboard.");
-        return convertWordAtCaret(element, request, services);
+        return {convertWordAtCaret(element, request, services)};
     }
     const auto conversion = request.mapping.convertString(*selected, request.activeSourceIndex);
     if (!conversion) {
         logger.info("AX path: selected text is not convertible.");
-        return ConversionOutcome::noText();
+        return {ConversionOutcome::noText(), true};
+    }
+    if (services.keyboard.hasLostFocus()) {
+        logger.info("AX path: the focus has moved. Nothing is written.");
+        return {ConversionOutcome::noText(), true};
     }
 
     const AccessibilityError error =
@@ -69,18 +69,24 @@ FocusedTextConverter::tryAXPath(AccessibilityElement& element, const ConversionR
     if (error != AccessibilityError::success) {
         logger.debug("AX path: kAXSelectedTextAttribute set error (%d). Falling back to clipboard.",
                      static_cast<std::int32_t>(error));
-        return outcomeAfter(error, logger);
+        if (error != AccessibilityError::cannotComplete) {
+            return {std::nullopt, true};
+        }
+        request.forgetTyped();
+        logger.info("AX path: it is not known what became of the text. Nothing more is sent.");
+        return {ConversionOutcome::noText(), true};
     }
     services.poster.sleep(verificationPause);
     if (!hasTaken(element, conversion->converted)) {
         logger.error(
             "AX path: verification failed (text unchanged in AX). Falling back to clipboard.");
-        return std::nullopt;
+        return {std::nullopt, true};
     }
     logger.info("AX path success: bundleID=%s, path=AX, selectionDetected=true, axErrors=%s, "
                 "targetIndex=%ld",
                 request.bundleID, "[]", conversion->targetIndex);
-    return ConversionOutcome::converted(conversion->targetIndex);
+    request.forgetTyped();
+    return {ConversionOutcome::converted(conversion->targetIndex), true};
 }
 
 } // namespace kelvora

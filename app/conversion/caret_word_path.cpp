@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/conversion/focused_text_converter.h"
 
+#include "app/conversion/keyboard_guard.h"
 #include "app/io/logger.h"
 
 #include <algorithm>
@@ -51,28 +52,31 @@ FocusedTextConverter::convertWordAtCaret(AccessibilityElement& element,
     if (element.role() != TextRole::multiLine) {
         return std::nullopt;
     }
+    // Whatever fails here, the clipboard is no way out: many editors copy the whole line when
+    // nothing is selected, and pasting that would double it.
     const std::optional<TextStretch> stretch = element.textAroundCaret(reach);
     if (!stretch) {
-        logger.debug("AX word: no text around the caret. Falling back to clipboard.");
-        return std::nullopt;
+        logger.info("AX word: no text around the caret. Nothing is sent.");
+        return ConversionOutcome::noText();
     }
     const std::optional<WordConversion> word = convertWord(*stretch, request);
     if (!word) {
-        // Without a selection the clipboard has nothing to add, and some editors copy and paste
-        // the whole line then.
         logger.info("AX word: no convertible word at the caret.");
+        return ConversionOutcome::noText();
+    }
+    if (services.keyboard.hasLostFocus()) {
+        logger.info("AX word: the focus has moved. Nothing is written.");
         return ConversionOutcome::noText();
     }
     const FieldConversion& field = word->field;
     const auto caret = static_cast<std::size_t>(field.selectedRange->location) - word->begin;
     const AccessibilityError error =
         element.replace(*stretch, word->begin, word->end, field.replacement, caret);
+    request.forgetTyped();
     if (error != AccessibilityError::success) {
-        logger.debug("AX word: replacement error (%d). Falling back to clipboard.",
+        logger.error("AX word: replacement error (%d). Nothing more is sent.",
                      static_cast<std::int32_t>(error));
-        return error == AccessibilityError::cannotComplete
-                   ? std::optional(ConversionOutcome::noText())
-                   : std::nullopt;
+        return ConversionOutcome::noText();
     }
     logger.info("AX word success: bundleID=%s, path=AX word, targetIndex=%ld", request.bundleID,
                 field.targetIndex);

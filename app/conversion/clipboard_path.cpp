@@ -20,6 +20,8 @@ namespace {
 // Seconds.
 constexpr double modifierTimeout = 0.3;
 constexpr double responseTimeout = 0.5;
+constexpr double handlingTimeout = 0.25; // and as long again until the next question
+constexpr int handlingQuestions = 4;
 constexpr double shortcutDelay = 0.015;
 constexpr double selectionPause = 0.015;
 constexpr double pollInterval = 0.015;
@@ -42,27 +44,36 @@ public:
         if (!prepare()) {
             return ConversionOutcome::noText();
         }
-        const std::optional<std::u16string> copied = copyText(allowSelectAll);
+        const std::optional<CopiedText> copied = copyText(allowSelectAll);
         if (isInterrupted_) {
             return interrupted();
         }
-        if (!copied || trimmed(*copied).empty()) {
+        if (!copied || trimmed(copied->text).empty()) {
             services_.logger.error(
                 "Clipboard path aborted: no plain non-empty text. bundleID=%s, "
                 "selectionDetected=%{bool}d, sentinelResult=%s, pbChangeBefore=%ld, "
                 "pbChangeAfter=%ld",
                 request_.bundleID, selectionDetected_, sentinelResult_, countBefore_,
                 pasteboard_.changeCount());
-            restoreIfCountIs(copied ? provokedCount() : ownCount_);
+            leave();
             return ConversionOutcome::noText();
         }
-        const auto conversion = request_.mapping.convertString(*copied, request_.activeSourceIndex);
-        return conversion ? paste(*conversion) : notConvertible();
+        const auto conversion =
+            request_.mapping.convertString(copied->text, request_.activeSourceIndex);
+        return conversion ? paste(*conversion, copied->changeCount) : notConvertible();
     }
 
 private:
     /// Up to the first write. False when nothing may be written or sent.
     [[nodiscard]] bool prepare() {
+        // Keys sent now would take effect whenever it comes back to life.
+        if (!isResponding(responseTimeout)) {
+            services_.logger.error("Clipboard path not begun: the application does not answer. "
+                                   "bundleID=%s",
+                                   request_.bundleID);
+            return false;
+        }
+        const bool hadHeldKeys = services_.keyboard.hasHeldKeys();
         std::optional<PasteboardSnapshot> saved = pasteboard_.snapshot();
         if (!saved) {
             services_.logger.error("Clipboard path not begun: the pasteboard could not be saved. "
@@ -71,34 +82,29 @@ private:
             return false;
         }
         saved_ = std::move(*saved);
-        services_.poster.waitForModifiersReleased(modifierTimeout);
-        // Keys sent now would take effect whenever it comes back to life.
-        if (!isResponding()) {
-            services_.logger.error("Clipboard path not begun: the application does not answer. "
-                                   "bundleID=%s",
-                                   request_.bundleID);
+        // Saving takes seconds where somebody types during it. They shall not wait for the rest
+        // too.
+        if (!hadHeldKeys && services_.keyboard.hasHeldKeys()) {
+            services_.logger.info("Clipboard path not begun: the user types on. bundleID=%s",
+                                  request_.bundleID);
             return false;
         }
+        services_.poster.waitForModifiersReleased(modifierTimeout);
         if (!FocusedTextConverter::holdKeyboards(request_, services_)) {
             return false;
         }
-        // From here on the text before the caret may become another than what was typed.
-        if (request_.typedText) {
-            request_.typedText->reset();
-        }
+        request_.forgetTyped();
         return true;
     }
 
     /// The selection, else the whole field if that is allowed.
-    [[nodiscard]] std::optional<std::u16string> copyText(bool allowSelectAll) {
-        std::optional<std::u16string> copied = copy(WhatToCopy::selection);
-        if (!copied && allowSelectAll && !isInterrupted_) {
-            copied = awaitLateCopy();
-        }
+    [[nodiscard]] std::optional<CopiedText> copyText(bool allowSelectAll) {
+        std::optional<CopiedText> copied = copy(WhatToCopy::selection);
         if (copied) {
             sentinelResult_ = "replaced_selection";
             selectionDetected_ = true;
-        } else if (!allowSelectAll) {
+        } else if (!allowSelectAll || pasteboard_.changeCount() != ownCount_) {
+            // What was copied without being a text is selected, and is what the user means.
             sentinelResult_ = "no_selection_select_all_disabled";
         } else if (!isInterrupted_) {
             copied = copy(WhatToCopy::everything);
@@ -109,32 +115,47 @@ private:
 
     enum class WhatToCopy { selection, everything };
 
-    [[nodiscard]] std::optional<std::u16string> copy(WhatToCopy what) {
+    [[nodiscard]] std::optional<CopiedText> copy(WhatToCopy what) {
         sentinel_ = makePasteboardSentinel();
-        write(sentinel_);
+        write([this] { return pasteboard_.setMarker(sentinel_); });
         if (what == WhatToCopy::everything) {
-            press(keyCode::a, eventFlag::command, shortcutDelay);
+            isAllSelected_ = press(keyCode::a, eventFlag::command, shortcutDelay);
             services_.poster.sleep(selectionPause);
         }
-        press(keyCode::c, eventFlag::command, shortcutDelay);
-        return isInterrupted_ ? std::nullopt : poll(copyTimeout);
+        isCopyRequested_ = press(keyCode::c, eventFlag::command, shortcutDelay);
+        if (isInterrupted_) {
+            return std::nullopt;
+        }
+        std::optional<CopiedText> copied = poll(copyTimeout);
+        return copied ? copied : awaitLateCopy();
     }
 
-    /// A copy of the selection that came too late must not be taken for that of the whole field,
-    /// which it would replace: an application that answers has handled the keys before.
-    [[nodiscard]] std::optional<std::u16string> awaitLateCopy() {
-        isInterrupted_ = !isResponding();
+    /// A copy that comes too late must neither be taken for that of the whole field, which it
+    /// would replace, nor come after the restore.
+    [[nodiscard]] std::optional<CopiedText> awaitLateCopy() {
+        isInterrupted_ = !awaitHandling();
         return isInterrupted_ || pasteboard_.changeCount() == ownCount_ ? std::nullopt : poll(0);
     }
 
-    [[nodiscard]] std::optional<std::u16string> poll(double timeout) {
+    [[nodiscard]] std::optional<CopiedText> poll(double timeout) {
         return FocusedTextConverter::pollForSentinelReplacement(sentinel_, ownCount_, pasteboard_,
                                                                 services_.poster, timeout);
     }
 
-    [[nodiscard]] bool isResponding() {
-        return services_.applicationProbe.isResponding(services_.keyboard.target(),
-                                                       responseTimeout);
+    [[nodiscard]] bool isResponding(double timeout) {
+        return services_.applicationProbe.isResponding(services_.keyboard.target(), timeout);
+    }
+
+    /// Waits up to two seconds for the application to have handled the keys that were sent: one
+    /// that answers has done so before. False when it does not answer.
+    [[nodiscard]] bool awaitHandling() {
+        for (int question = 0; question < handlingQuestions; ++question) {
+            if (isResponding(handlingTimeout)) {
+                return true;
+            }
+            services_.poster.sleep(handlingTimeout);
+        }
+        return false;
     }
 
     [[nodiscard]] ConversionOutcome notConvertible() {
@@ -143,20 +164,27 @@ private:
             "sentinelResult=%s, pbChangeBefore=%ld, pbChangeAfter=%ld",
             request_.bundleID, selectionDetected_, sentinelResult_, countBefore_,
             pasteboard_.changeCount());
-        if (!selectionDetected_) {
-            press(keyCode::rightArrow, 0, collapseDelay);
-        }
-        restoreIfCountIs(provokedCount());
+        collapse();
+        leave();
         return ConversionOutcome::noText();
     }
 
-    [[nodiscard]] ConversionOutcome paste(const StringConversion& conversion) {
-        write(conversion.converted);
-        press(keyCode::v, eventFlag::command, shortcutDelay);
+    /// `copiedCount` is the change count of the copy.
+    [[nodiscard]] ConversionOutcome paste(const StringConversion& conversion,
+                                          std::int64_t copiedCount) {
+        isTaken_ = pasteboard_.changeCount() != copiedCount;
+        isInterrupted_ = isTaken_;
+        write([&] { return pasteboard_.setString(conversion.converted, pasteboardType::string); });
+        if (press(keyCode::v, eventFlag::command, shortcutDelay)) {
+            isAllSelected_ = false;
+            // What it pastes must be there until it has done so.
+            const bool isHandled = awaitHandling();
+            services_.poster.sleep(pastePause);
+            isInterrupted_ = isInterrupted_ || !isHandled;
+        }
         if (isInterrupted_) {
             return interrupted();
         }
-        services_.poster.sleep(pastePause);
         if (selectionDetected_ && request_.reselectPastedText) {
             reselect(std::min(characterCount(conversion.converted), maximumReselection));
         }
@@ -165,7 +193,7 @@ private:
             "sentinelResult=%s, pbChangeBefore=%ld, pbChangeAfter=%ld, targetIndex=%ld",
             request_.bundleID, selectionDetected_, sentinelResult_, countBefore_,
             pasteboard_.changeCount(), conversion.targetIndex);
-        restoreIfCountIs(ownCount_);
+        leave();
         return ConversionOutcome::converted(conversion.targetIndex);
     }
 
@@ -186,36 +214,54 @@ private:
         services_.logger.error("Clipboard path interrupted: the application is out of reach or the "
                                "pasteboard was taken. bundleID=%s",
                                request_.bundleID);
-        restoreIfCountIs(ownCount_);
+        leave();
         return ConversionOutcome::noText();
     }
 
-    /// Puts a text on the pasteboard, unless interrupted. Anything else there would be taken for
-    /// the copy, or be pasted over the user's text.
-    void write(std::u16string_view text) {
+    /// Takes the pasteboard and has `set` write a text to it, unless interrupted. Anything else
+    /// there would be taken for the copy, or be pasted over the user's text.
+    template <typename Set>
+    void write(const Set& set) {
         if (!isInterrupted_) {
+            isCopyRequested_ = false;
             ownCount_ = pasteboard_.clearContents();
-            isInterrupted_ = !pasteboard_.setString(text, pasteboardType::string) ||
-                             pasteboard_.changeCount() != ownCount_;
+            isTaken_ = !set() || pasteboard_.changeCount() != ownCount_;
+            isInterrupted_ = isTaken_;
         }
     }
 
-    /// Sends a key, unless interrupted. Between two keys of this path a person has time to go
-    /// elsewhere, and nothing is lost yet.
-    void press(KeyCode keyCode, EventFlags flags, double delay) {
-        isInterrupted_ = isInterrupted_ || services_.keyboard.hasLostFocus();
-        if (!isInterrupted_) {
+    /// Sends a key, unless interrupted. True when it was sent, even if not all of it got through.
+    bool press(KeyCode keyCode, EventFlags flags, double delay) {
+        return !isInterrupted_ && send(keyCode, flags, delay);
+    }
+
+    /// The same whatever became of the pasteboard. Between two keys of this path a person has time
+    /// to go elsewhere, and nothing is lost yet.
+    bool send(KeyCode keyCode, EventFlags flags, double delay) {
+        const bool mayBeSent =
+            !services_.keyboard.hasFailed() && !services_.keyboard.hasLostFocus();
+        if (mayBeSent) {
             services_.poster.sendKey(keyCode, flags, delay);
-            isInterrupted_ = services_.keyboard.hasFailed();
+        }
+        isInterrupted_ = isInterrupted_ || !mayBeSent || services_.keyboard.hasFailed();
+        return mayBeSent;
+    }
+
+    void collapse() {
+        if (std::exchange(isAllSelected_, false)) {
+            send(keyCode::rightArrow, 0, collapseDelay);
         }
     }
 
-    /// The change count after the copy that was asked for, and nobody else's since.
-    [[nodiscard]] std::int64_t provokedCount() const { return ownCount_ + 1; }
-
-    /// Whoever took the pasteboard otherwise keeps it: that is newer.
-    void restoreIfCountIs(std::int64_t count) {
-        if (pasteboard_.changeCount() == count) {
+    /// Gives the pasteboard back. Whoever took it, other than for the copy that was asked for,
+    /// keeps it: that is newer.
+    void leave() {
+        // What the user typed meanwhile would replace the whole field.
+        if (services_.keyboard.hasHeldKeys()) {
+            collapse();
+        }
+        const std::int64_t newer = pasteboard_.changeCount() - ownCount_;
+        if (!isTaken_ && (newer == 0 || (newer == 1 && isCopyRequested_))) {
             pasteboard_.restore(std::move(saved_));
         }
     }
@@ -229,25 +275,29 @@ private:
     std::u16string sentinel_;   ///< the last that was written
     std::string_view sentinelResult_;
     bool selectionDetected_ = false;
-    /// Keys do not get to the application any more, or another program took the pasteboard.
+    bool isCopyRequested_ = false; ///< since the last write here
+    bool isAllSelected_ = false;   ///< by this path, and nothing pasted over it
+    bool isTaken_ = false;         ///< the pasteboard, by another program
+    /// That, or keys do not get to the application any more.
     bool isInterrupted_ = false;
 };
 
 } // namespace
 
-std::optional<std::u16string>
+std::optional<CopiedText>
 FocusedTextConverter::pollForSentinelReplacement(std::u16string_view sentinel,
                                                  std::int64_t fromCount, Pasteboard& pasteboard,
                                                  EventPosting& poster, double timeout) {
     const int attempts = std::max(1, static_cast<int>(timeout / pollInterval));
     for (int attempt = 0; attempt < attempts; ++attempt) {
         poster.sleep(pollInterval);
-        if (pasteboard.changeCount() == fromCount) {
+        const std::int64_t count = pasteboard.changeCount();
+        if (count == fromCount) {
             continue;
         }
         std::optional<std::u16string> text = pasteboard.string(pasteboardType::string);
         if (text && *text != sentinel && !text->empty()) {
-            return text;
+            return CopiedText{std::move(*text), count};
         }
     }
     return std::nullopt;

@@ -22,30 +22,24 @@ bool allowsSelectAll(const ConversionRequest& request, TextRole role) {
            (role == TextRole::singleLine || role == TextRole::unknown);
 }
 
-/// What is before the caret may be something else now than what was typed.
-void forgetTyped(const ConversionRequest& request) {
-    if (request.typedText) {
-        request.typedText->reset();
-    }
-}
-
 ConversionOutcome convertSelection(AccessibilityElement* element, TextRole role,
                                    const ConversionRequest& request,
                                    const ConversionServices& services) {
+    bool allowSelectAll = allowsSelectAll(request, role);
     if (element) {
-        if (auto outcome = FocusedTextConverter::tryAXPath(*element, request, services)) {
-            if (*outcome != ConversionOutcome::noText()) {
-                forgetTyped(request);
-            }
-            return *outcome;
+        const AXPathResult result = FocusedTextConverter::tryAXPath(*element, request, services);
+        if (result.outcome) {
+            return *result.outcome;
         }
+        // A write that was not seen may have changed the text and ended the selection: everything
+        // would be converted instead.
+        allowSelectAll = allowSelectAll && !result.hadSelection;
     } else {
         services.logger.debug(
             "AX path: no focused AX element found for %s. Using clipboard fallback.",
             request.bundleID);
     }
-    return FocusedTextConverter::convertThroughClipboard(request, services,
-                                                         allowsSelectAll(request, role));
+    return FocusedTextConverter::convertThroughClipboard(request, services, allowSelectAll);
 }
 
 } // namespace
@@ -70,18 +64,31 @@ ConversionOutcome FocusedTextConverter::convertFocusedField(const ConversionRequ
     if (!holdKeyboards(request, services)) {
         return ConversionOutcome::noText();
     }
-    const std::shared_ptr<AccessibilityElement> element =
-        request.element ? request.element : focusedElement(request.processIdentifier, services);
+    const ElementLookUp lookUp = request.element
+                                     ? ElementLookUp{request.element}
+                                     : focusedElement(request.processIdentifier, services);
+    if (lookUp.error == AccessibilityError::cannotComplete) {
+        // It would take keys at a time when the user means something else with them.
+        services.logger.info("AX path: the application does not answer. Nothing is sent.");
+        return ConversionOutcome::noText();
+    }
+    AccessibilityElement* const element = lookUp.element.get();
     const TextRole role = element ? element->role() : TextRole::unknown;
     if (role == TextRole::terminal) {
         // A terminal inside of another application.
         return leaveTerminal();
     }
     if (role == TextRole::password) {
-        forgetTyped(request);
+        request.forgetTyped();
         return ConversionOutcome::noText();
     }
-    return convertSelection(element.get(), role, request, services);
+    if (role == TextRole::notEditable) {
+        // A paste would change nothing there, or a formula, or make a file; it would be taken for
+        // a success all the same.
+        services.logger.info("AX path: the focused element cannot be edited. Nothing is sent.");
+        return ConversionOutcome::noText();
+    }
+    return convertSelection(element, role, request, services);
 }
 
 bool FocusedTextConverter::holdKeyboards(const ConversionRequest& request,

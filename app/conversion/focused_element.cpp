@@ -11,11 +11,17 @@ namespace {
 
 constexpr double lookUpPause = 0.05; // seconds
 
-std::shared_ptr<AccessibilityElement> focusedElementOf(AccessibilityElement& element) {
+ElementLookUp focusedElementOf(AccessibilityElement& element) {
     const AccessibilityAttribute focused =
         element.copyAttributeValue(accessibilityAttribute::focusedElement);
     const auto* value = std::get_if<std::shared_ptr<AccessibilityElement>>(&focused.value);
-    return focused.error == AccessibilityError::success && value ? *value : nullptr;
+    return {focused.error == AccessibilityError::success && value ? *value : nullptr,
+            focused.error};
+}
+
+/// Was something found, or is there nobody to tell?
+bool isFinal(const ElementLookUp& lookUp) {
+    return lookUp.element || lookUp.error == AccessibilityError::cannotComplete;
 }
 
 } // namespace
@@ -30,39 +36,36 @@ void FocusedTextConverter::enableAccessibility(Accessibility& accessibility,
         application->setAttributeValue(accessibilityAttribute::enhancedUserInterface, true));
 }
 
-std::shared_ptr<AccessibilityElement>
-FocusedTextConverter::focusedElement(std::int32_t processIdentifier,
-                                     const ConversionServices& services) {
+ElementLookUp FocusedTextConverter::focusedElement(std::int32_t processIdentifier,
+                                                   const ConversionServices& services) {
     Accessibility& accessibility = services.accessibility;
     if (processIdentifier == 0) {
         return systemWideFocusedElement(accessibility);
     }
     enableAccessibility(accessibility, processIdentifier);
-    if (auto element = copyFocusedElement(accessibility, processIdentifier)) {
-        return element;
+    if (auto lookUp = copyFocusedElement(accessibility, processIdentifier); isFinal(lookUp)) {
+        return lookUp;
     }
     // An application that was just asked to show its tree may need a moment to build it.
     services.poster.sleep(lookUpPause);
-    if (auto element = copyFocusedElement(accessibility, processIdentifier)) {
-        return element;
+    if (auto lookUp = copyFocusedElement(accessibility, processIdentifier); isFinal(lookUp)) {
+        return lookUp;
     }
     return systemWideFocusedElement(accessibility);
 }
 
-std::shared_ptr<AccessibilityElement>
-FocusedTextConverter::copyFocusedElement(Accessibility& accessibility,
-                                         std::int32_t processIdentifier) {
-    const auto outer = focusedElementOf(*accessibility.createApplication(processIdentifier));
-    if (!outer) {
-        return nullptr;
+ElementLookUp FocusedTextConverter::copyFocusedElement(Accessibility& accessibility,
+                                                       std::int32_t processIdentifier) {
+    ElementLookUp outer = focusedElementOf(*accessibility.createApplication(processIdentifier));
+    if (!outer.element) {
+        return outer;
     }
     // A web view names the field within it.
-    const auto inner = focusedElementOf(*outer);
-    return inner ? inner : outer;
+    ElementLookUp inner = focusedElementOf(*outer.element);
+    return isFinal(inner) ? inner : outer;
 }
 
-std::shared_ptr<AccessibilityElement>
-FocusedTextConverter::systemWideFocusedElement(Accessibility& accessibility) {
+ElementLookUp FocusedTextConverter::systemWideFocusedElement(Accessibility& accessibility) {
     return focusedElementOf(*accessibility.createSystemWide());
 }
 

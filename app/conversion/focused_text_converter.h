@@ -34,6 +34,13 @@ struct ConversionRequest {
     std::optional<std::u16string> textAtTrigger = std::nullopt;
     /// The element to work on; null: the focused one is looked up.
     std::shared_ptr<AccessibilityElement> element = nullptr;
+
+    /// What is before the caret may be something else now than what was typed.
+    void forgetTyped() const {
+        if (typedText) {
+            typedText->reset();
+        }
+    }
 };
 
 /// What a conversion acts through.
@@ -44,6 +51,26 @@ struct ConversionServices {
     Pasteboard& pasteboard;
     ApplicationProbe& applicationProbe;
     const Logger& logger;
+};
+
+/// What the search for the focused element came to.
+struct ElementLookUp {
+    std::shared_ptr<AccessibilityElement> element; ///< null when there is none
+    /// `cannotComplete`, never with an element: the application does not answer.
+    AccessibilityError error = AccessibilityError::success;
+};
+
+/// What became of a selection by way of accessibility.
+struct AXPathResult {
+    std::optional<ConversionOutcome> outcome; ///< absent: another path may try
+    /// Something was selected; it may have been replaced even if that was not seen.
+    bool hadSelection = false;
+};
+
+/// A text that another program put on the pasteboard.
+struct CopiedText {
+    std::u16string text;
+    std::int64_t changeCount = 0; ///< from before it was read
 };
 
 /// The ways to the focused application's text. They block: never on the main thread, unless said
@@ -68,19 +95,20 @@ public:
     static void enableAccessibility(Accessibility& accessibility, std::int32_t processIdentifier);
 
     /// What has the focus in the application, or in the session when that cannot be told or the
-    /// identifier is 0. Null when there is none.
-    [[nodiscard]] static std::shared_ptr<AccessibilityElement>
-    focusedElement(std::int32_t processIdentifier, const ConversionServices& services);
+    /// identifier is 0. The search ends where an application does not answer.
+    [[nodiscard]] static ElementLookUp focusedElement(std::int32_t processIdentifier,
+                                                      const ConversionServices& services);
 
     /// Replaces the selected text of the element by its conversion, and of a document without a
     /// selection the word at the caret. No outcome when the element cannot be read or written that
     /// way, or was not seen to take it.
-    [[nodiscard]] static std::optional<ConversionOutcome>
-    tryAXPath(AccessibilityElement& element, const ConversionRequest& request,
-              const ConversionServices& services);
+    [[nodiscard]] static AXPathResult tryAXPath(AccessibilityElement& element,
+                                                const ConversionRequest& request,
+                                                const ConversionServices& services);
 
     /// Replaces the word at the caret of a document (TextRole::multiLine) in place, and nothing
-    /// else of it. No outcome for other elements and where that cannot be done.
+    /// else of it; `noText` where that cannot be done. No outcome for other elements. Nothing is
+    /// selected.
     [[nodiscard]] static std::optional<ConversionOutcome>
     convertWordAtCaret(AccessibilityElement& element, const ConversionRequest& request,
                        const ConversionServices& services);
@@ -94,7 +122,7 @@ public:
 
     /// Waits up to `timeout` seconds for a text other than the sentinel on a pasteboard that
     /// changed since `fromCount`.
-    [[nodiscard]] static std::optional<std::u16string>
+    [[nodiscard]] static std::optional<CopiedText>
     pollForSentinelReplacement(std::u16string_view sentinel, std::int64_t fromCount,
                                Pasteboard& pasteboard, EventPosting& poster, double timeout);
 
@@ -105,10 +133,9 @@ public:
                                             const ConversionServices& services);
 
 private:
-    [[nodiscard]] static std::shared_ptr<AccessibilityElement>
-    copyFocusedElement(Accessibility& accessibility, std::int32_t processIdentifier);
-    [[nodiscard]] static std::shared_ptr<AccessibilityElement>
-    systemWideFocusedElement(Accessibility& accessibility);
+    [[nodiscard]] static ElementLookUp copyFocusedElement(Accessibility& accessibility,
+                                                          std::int32_t processIdentifier);
+    [[nodiscard]] static ElementLookUp systemWideFocusedElement(Accessibility& accessibility);
 };
 
 } // namespace kelvora

@@ -8,11 +8,12 @@
 
 namespace kelvora {
 
-AppDelegate::AppDelegate(const Desktop& desktop)
-    : AppDelegate(desktop, std::make_shared<SystemEventPoster>(desktop.eventPoster)) {}
+AppDelegate::AppDelegate(const Desktop& desktop, const SessionServices& session)
+    : AppDelegate(desktop, session, std::make_shared<SystemEventPoster>(desktop.eventPoster)) {}
 
-AppDelegate::AppDelegate(const Desktop& desktop, std::shared_ptr<EventPosting> poster)
-    : desktop_(desktop), model_(desktop.inputSources, desktop.permissions),
+AppDelegate::AppDelegate(const Desktop& desktop, const SessionServices& session,
+                         std::shared_ptr<EventPosting> poster)
+    : desktop_(desktop), model_(desktop, session),
       hotkey_(desktop.eventSource, desktop.dispatch, desktop.log),
       conversion_(desktop, model_, hotkey_.typedText(), std::move(poster)) {}
 
@@ -24,7 +25,7 @@ void AppDelegate::launch() {
     const WeakHandle<AppDelegate> weak = self_.handle();
     hotkey_.onShiftEvent = [weak] {
         if (AppDelegate* delegate = weak.get()) {
-            ++delegate->model_.shiftEventCount;
+            delegate->model_.setShiftEventCount(delegate->model_.shiftEventCount() + 1);
         }
     };
     hotkey_.onTrigger = [weak] {
@@ -81,7 +82,7 @@ std::string AppDelegate::listenerStatus() {
 }
 
 void AppDelegate::handleTrigger() {
-    ++model_.doubleTapCount;
+    model_.setDoubleTapCount(model_.doubleTapCount() + 1);
     performConversion();
 }
 

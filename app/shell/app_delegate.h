@@ -7,6 +7,7 @@
 #include "app/io/weak_handle.h"
 #include "app/shell/app_model.h"
 #include "host/desktop.h"
+#include "host/session_services.h"
 
 #include <cstdint>
 #include <memory>
@@ -15,14 +16,15 @@
 namespace kelvora {
 
 /// The root of the running program: owns the model and the monitor, and binds them to each other
-/// and to the desktop. Main thread only. The desktop's services outlive it, and any conversion that
-/// it leaves behind.
+/// and to the desktop. Main thread only. The services outlive it, and any conversion that it leaves
+/// behind.
 class AppDelegate {
 public:
     /// Nothing is listened to before `launch`.
-    explicit AppDelegate(const Desktop& desktop);
+    AppDelegate(const Desktop& desktop, const SessionServices& session);
     /// As above, with what conversions post through.
-    AppDelegate(const Desktop& desktop, std::shared_ptr<EventPosting> poster);
+    AppDelegate(const Desktop& desktop, const SessionServices& session,
+                std::shared_ptr<EventPosting> poster);
     ~AppDelegate();
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;

@@ -12,7 +12,8 @@ namespace kelvora {
 enum class FocusSecrecy {
     untold, ///< nobody follows the focus
     ordinary,
-    secret, ///< a password field
+    pending, ///< the focus may have moved, and nobody knows yet where to
+    secret,  ///< a password field
 };
 
 /// News of the focused element; comes some milliseconds after the focus has moved.
@@ -48,6 +49,13 @@ public:
             fetch_();
     }
 
+    /// `confirm` has it found out, by and by, whether a secret focus is still what it was.
+    void setConfirm(std::function<void()> confirm) { confirm_ = std::move(confirm); }
+    void confirm() const {
+        if (confirm_)
+            confirm_();
+    }
+
     /// A listener takes itself away before it goes.
     void add(SecureEntryListener& listener) { listeners_.push_back(&listener); }
     void remove(SecureEntryListener& listener) { std::erase(listeners_, &listener); }
@@ -55,6 +63,7 @@ public:
 private:
     FocusSecrecy secrecy_ = FocusSecrecy::untold;
     std::function<void()> fetch_;
+    std::function<void()> confirm_;
     std::vector<SecureEntryListener*> listeners_;
 };
 

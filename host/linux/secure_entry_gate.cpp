@@ -3,6 +3,7 @@
 
 #include <string.h>
 
+#include <algorithm>
 #include <type_traits>
 #include <utility>
 
@@ -52,44 +53,70 @@ SecureEntryGate::~SecureEntryGate() {
 void SecureEntryGate::handleEvent(const InputEvent& event, Time now) {
     if (secureEntry_ != nullptr)
         secureEntry_->fetch();
+    lastAct_ = now;
     if (secrecy_ == FocusSecrecy::untold) {
         outputs_.deliver(event);
         return;
     }
     releaseDue(now);
-    if (now < holdEnd_) {
+    if (now < releaseTime(holdEnd_)) {
         hold(event);
     } else {
         InputEvent copy = event;
         decide(copy, epoch_, now);
     }
     // The program's own keys correct a text and leave the focus where it is.
-    if (event.sourceUserData != 0)
-        return;
-    if (event.type == EventType::keyDown || isMouseDown(event))
-        lastAct_ = now;
-    if (mayMoveFocus(event))
+    if (event.sourceUserData == 0 && mayMoveFocus(event))
         beginEpoch(now);
 }
 
 void SecureEntryGate::handleWindowChange(Time now) {
-    clear();
-    outputs_.onFocusChanged();
-    if (secrecy_ == FocusSecrecy::untold)
-        return;
-    const bool isConfirmed = toldAt_ && now - *toldAt_ < longestLead;
-    if (secrecy_ == FocusSecrecy::secret && !isConfirmed && !secretEnd_)
-        secretEnd_ = now + longestSilence;
-    lastAct_ = now;
-    beginEpoch(now);
+    windowChangedAt_ = now;
+    loseKeyboard(now);
+    if (secrecy_ == FocusSecrecy::secret && secureEntry_ != nullptr)
+        secureEntry_->confirm();
 }
 
-void SecureEntryGate::handleFence(Time now) {
+void SecureEntryGate::handleGrab(Time now) {
+    loseKeyboard(now);
+}
+
+void SecureEntryGate::loseKeyboard(Time now) {
+    const std::vector<std::uint8_t> fences = dropHeld();
+    // Whoever waits for a fence must find the change told already.
+    outputs_.onFocusChanged();
+    for (const std::uint8_t fence : fences)
+        outputs_.onFencePassed(fence);
+    lastAct_ = now;
+    if (secrecy_ != FocusSecrecy::untold)
+        beginEpoch(now);
+}
+
+void SecureEntryGate::handleFocusClient(std::uint32_t client, Time now) {
+    const std::uint32_t before = std::exchange(focusClient_, client);
+    if (before == client)
+        return;
+    if (secretEnd_) {
+        if (client == secretClient_)
+            secretEnd_.reset();
+        return;
+    }
+    if (before == 0)
+        return;
+    const bool isConfirmed =
+        toldAt_ && windowChangedAt_ && *windowChangedAt_ - *toldAt_ < longestLead;
+    if (isWithheld() && !isConfirmed) {
+        secretEnd_ = now + longestSilence;
+        secretClient_ = before;
+    }
+}
+
+void SecureEntryGate::handleFence(std::uint8_t fence, Time now) {
     releaseDue(now);
     if (held_.empty())
-        outputs_.onFencePassed();
+        outputs_.onFencePassed(fence);
     else
-        hold(Fence{});
+        hold(Fence{fence});
 }
 
 void SecureEntryGate::handleTimer(Time now) {
@@ -99,32 +126,49 @@ void SecureEntryGate::handleTimer(Time now) {
 }
 
 void SecureEntryGate::clear() {
-    for (Held& held : std::exchange(held_, {})) {
+    for (const std::uint8_t fence : dropHeld())
+        outputs_.onFencePassed(fence);
+}
+
+std::vector<std::uint8_t> SecureEntryGate::dropHeld() {
+    std::vector<std::uint8_t> fences;
+    for (Held& held : held_) {
         if (InputEvent* event = std::get_if<InputEvent>(&held.item))
             wipe(*event);
         else
-            outputs_.onFencePassed();
+            fences.push_back(std::get<Fence>(held.item).number);
     }
+    held_.clear();
+    return fences;
 }
 
 void SecureEntryGate::onFocusReport(const FocusReport& report, Time now) {
     const FocusSecrecy before = std::exchange(secrecy_, report.secrecy);
     toldAt_ = now;
     secretEnd_.reset();
+    if (secrecy_ == FocusSecrecy::pending && before != FocusSecrecy::pending) {
+        pendingEnd_ = now + longestPending;
+        isPendingUnexpected_ = isLongAfterAct(now);
+    }
     // What is held back from before the last move is dropped even if the focus has gone on since.
     if (secrecy_ == FocusSecrecy::secret)
         lastSecretEpoch_ = epoch_ - 1;
     const bool isSecretChange =
         (before == FocusSecrecy::secret) != (secrecy_ == FocusSecrecy::secret);
-    const bool isUnexpected = report.isOtherText && (!lastAct_ || now - *lastAct_ > longestEffect);
+    const bool isUnexpected =
+        report.isOtherText &&
+        (before == FocusSecrecy::pending ? isPendingUnexpected_ : isLongAfterAct(now));
     if (isSecretChange || isUnexpected)
         outputs_.onFocusChanged();
     if (secrecy_ == FocusSecrecy::untold) {
-        if (before == FocusSecrecy::secret)
+        if (before == FocusSecrecy::secret || before == FocusSecrecy::pending)
             clear();
         holdEnd_ = now;
         releaseDue(Time::max());
     }
+    // Not at once: the next report may already be there, and say that the focus has moved on.
+    if (!held_.empty())
+        outputs_.setTimer(std::max(now, releaseTime(held_.front().end)));
 }
 
 void SecureEntryGate::beginEpoch(Time now) {
@@ -137,13 +181,19 @@ void SecureEntryGate::beginEpoch(Time now) {
 void SecureEntryGate::hold(std::variant<InputEvent, Fence> item) {
     held_.push_back({std::move(item), epoch_, holdEnd_});
     if (held_.size() == 1)
-        outputs_.setTimer(holdEnd_);
+        outputs_.setTimer(releaseTime(holdEnd_));
+}
+
+SecureEntryGate::Time SecureEntryGate::releaseTime(Time end) const {
+    if (secrecy_ != FocusSecrecy::pending)
+        return end;
+    return std::max(end, std::min(pendingEnd_, secretEnd_.value_or(Time::max())));
 }
 
 void SecureEntryGate::releaseDue(Time now) {
     if (held_.empty())
         return;
-    while (!held_.empty() && held_.front().end <= now) {
+    while (!held_.empty() && releaseTime(held_.front().end) <= now) {
         Held held = held_.front();
         if (InputEvent* event = std::get_if<InputEvent>(&held_.front().item))
             wipe(*event);
@@ -151,17 +201,21 @@ void SecureEntryGate::releaseDue(Time now) {
         if (InputEvent* event = std::get_if<InputEvent>(&held.item))
             decide(*event, held.epoch, now);
         else
-            outputs_.onFencePassed();
+            outputs_.onFencePassed(std::get<Fence>(held.item).number);
     }
     if (!held_.empty())
-        outputs_.setTimer(held_.front().end);
+        outputs_.setTimer(releaseTime(held_.front().end));
 }
 
 void SecureEntryGate::decide(InputEvent& event, Epoch epoch, Time now) {
     const bool isTyping = event.type == EventType::keyDown && event.sourceUserData == 0;
     if (isSecret(epoch, now)) {
-        if (isTyping)
+        if (isTyping) {
+            // Of a secret focus this has been told; here what was typed before has lost its end.
+            if (secrecy_ == FocusSecrecy::pending && incompleteEpoch_ != epoch)
+                outputs_.onFocusChanged();
             incompleteEpoch_ = epoch;
+        }
     } else {
         if (isTyping && epoch == incompleteEpoch_)
             event.text = {};
@@ -173,7 +227,15 @@ void SecureEntryGate::decide(InputEvent& event, Epoch epoch, Time now) {
 bool SecureEntryGate::isSecret(Epoch epoch, Time now) const {
     if (epoch < epoch_ && epoch <= lastSecretEpoch_)
         return true;
-    return secrecy_ == FocusSecrecy::secret && !(secretEnd_ && now >= *secretEnd_);
+    return isWithheld() && !(secretEnd_ && now >= *secretEnd_);
+}
+
+bool SecureEntryGate::isWithheld() const {
+    return secrecy_ == FocusSecrecy::secret || secrecy_ == FocusSecrecy::pending;
+}
+
+bool SecureEntryGate::isLongAfterAct(Time now) const {
+    return !lastAct_ || now - *lastAct_ > longestEffect;
 }
 
 } // namespace kelvora

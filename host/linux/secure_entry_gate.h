@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <variant>
+#include <vector>
 
 namespace kelvora {
 
@@ -17,17 +18,19 @@ namespace kelvora {
 /// password field.
 ///
 /// News of the focus comes late. So what follows an event that may have moved the focus is held
-/// back, in its order, for `longestHold`; by then it is known where it went. While nobody follows
-/// the focus everything passes at once. Main thread only; keeps no clock of its own.
+/// back, in its order, for `longestHold`; by then it is known where it went, or that this is still
+/// to be found out. Then it is held for `longestPending`, and withheld as secret after that. While
+/// nobody follows the focus everything passes at once. Main thread only; keeps no clock of its own.
 class SecureEntryGate final : private SecureEntryListener {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
     static constexpr std::chrono::milliseconds longestHold{50};
+    static constexpr std::chrono::milliseconds longestPending{300};
     /// A focus that moves longer than this after the user's last act was moved by the application.
     static constexpr std::chrono::seconds longestEffect{1};
-    /// A secret focus that nobody confirms this long after the window changed is that of an
-    /// application which does not tell any more.
+    /// A secret focus that nobody confirms this long after another client's window has got the
+    /// focus is that of an application which does not tell any more.
     static constexpr std::chrono::seconds longestSilence{1};
 
     struct Outputs {
@@ -35,7 +38,7 @@ public:
         /// What was typed before does not belong to what has the focus now.
         std::function<void()> onFocusChanged;
         /// Everything before the fence has been delivered or dropped.
-        std::function<void()> onFencePassed;
+        std::function<void(std::uint8_t fence)> onFencePassed;
         /// `handleTimer` is to be called at that time; replaces what was asked for before.
         std::function<void(Time)> setTimer;
     };
@@ -49,7 +52,11 @@ public:
     void handleEvent(const InputEvent& event, Time now);
     /// Another window has the keyboard. What was held back is dropped: it went to the old one.
     void handleWindowChange(Time now);
-    void handleFence(Time now);
+    /// A client has taken the keyboard for itself or given it back; the focus is where it was.
+    void handleGrab(Time now);
+    /// Whose window has the focus, by any number but 0; comes some time after the window change.
+    void handleFocusClient(std::uint32_t client, Time now);
+    void handleFence(std::uint8_t fence, Time now);
     void handleTimer(Time now);
     /// Drops what is held back.
     void clear();
@@ -59,7 +66,9 @@ private:
     /// goes to the same element.
     using Epoch = std::uint64_t;
 
-    struct Fence {};
+    struct Fence {
+        std::uint8_t number;
+    };
     struct Held {
         std::variant<InputEvent, Fence> item;
         Epoch epoch;
@@ -67,18 +76,29 @@ private:
     };
 
     void onFocusReport(const FocusReport& report, Time now) override;
+    void loseKeyboard(Time now);
     void beginEpoch(Time now);
     void hold(std::variant<InputEvent, Fence> item);
     void releaseDue(Time now);
+    /// When that which may go at `end` is to go, as far as is known.
+    [[nodiscard]] Time releaseTime(Time end) const;
+    [[nodiscard]] std::vector<std::uint8_t> dropHeld();
     void decide(InputEvent& event, Epoch epoch, Time now);
     [[nodiscard]] bool isSecret(Epoch epoch, Time now) const;
+    [[nodiscard]] bool isWithheld() const;
+    [[nodiscard]] bool isLongAfterAct(Time now) const;
 
     SecureEntry* secureEntry_;
     Outputs outputs_;
     FocusSecrecy secrecy_ = FocusSecrecy::untold;
     std::optional<Time> toldAt_;
-    std::optional<Time> secretEnd_; ///< unless confirmed until then
-    std::optional<Time> lastAct_;   ///< of the user
+    std::optional<Time> windowChangedAt_;
+    std::uint32_t focusClient_ = 0;
+    std::optional<Time> secretEnd_;  ///< unless confirmed until then
+    std::uint32_t secretClient_ = 0; ///< that had the focus before `secretEnd_` was set
+    std::optional<Time> lastAct_;    ///< of the user, or the program's own key
+    Time pendingEnd_ = Time::min();
+    bool isPendingUnexpected_ = false; ///< the pending move came long after the last act
     std::deque<Held> held_;
     Epoch epoch_ = 1;
     Epoch lastSecretEpoch_ = 0; ///< of those before the present one

@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock; // CLOCK_MONOTONIC
 TimedSecureEntryGate::TimedSecureEntryGate(EventLoop& loop, SecureEntry* secureEntry,
                                            EventHandler deliver,
                                            std::function<void()> onFocusChanged,
-                                           std::function<void()> onFencePassed)
+                                           std::function<void(std::uint8_t)> onFencePassed)
     : timer_(secureEntry != nullptr ? timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)
                                     : -1),
       gate_(secureEntry, {.deliver = std::move(deliver),
@@ -43,8 +43,16 @@ void TimedSecureEntryGate::handleWindowChange() {
     gate_.handleWindowChange(Clock::now());
 }
 
-void TimedSecureEntryGate::handleFence() {
-    gate_.handleFence(Clock::now());
+void TimedSecureEntryGate::handleGrab() {
+    gate_.handleGrab(Clock::now());
+}
+
+void TimedSecureEntryGate::handleFocusClient(std::uint32_t client) {
+    gate_.handleFocusClient(client, Clock::now());
+}
+
+void TimedSecureEntryGate::handleFence(std::uint8_t fence) {
+    gate_.handleFence(fence, Clock::now());
 }
 
 void TimedSecureEntryGate::setTimer(SecureEntryGate::Time time) const {

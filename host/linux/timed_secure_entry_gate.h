@@ -4,6 +4,7 @@
 #include "host/linux/event_loop.h"
 #include "host/linux/secure_entry_gate.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -15,12 +16,15 @@ public:
     /// The arguments are those of SecureEntryGate; the loop and the secure entry outlive the gate.
     TimedSecureEntryGate(
         EventLoop& loop, SecureEntry* secureEntry, EventHandler deliver,
-        std::function<void()> onFocusChanged, std::function<void()> onFencePassed = [] {});
+        std::function<void()> onFocusChanged,
+        std::function<void(std::uint8_t)> onFencePassed = [](std::uint8_t) {});
     ~TimedSecureEntryGate();
 
     void handleEvent(const InputEvent& event);
     void handleWindowChange();
-    void handleFence();
+    void handleGrab();
+    void handleFocusClient(std::uint32_t client);
+    void handleFence(std::uint8_t fence);
     void clear() { gate_.clear(); }
 
 private:

@@ -60,9 +60,7 @@ public:
     Pasteboard& pasteboard() override { return pasteboard_; }
     void onWorker(const std::function<void()>& work) override { work(); }
     void copyElsewhere(std::u16string_view text) override { pasteboard_.copyText(text); }
-    std::optional<std::u16string> pasteElsewhere() override {
-        return pasteboard_.string(pasteboardType::string);
-    }
+    std::optional<std::u16string> pasteElsewhere() override { return pasteboard_.paste(); }
 
 private:
     fake::Pasteboard pasteboard_;

@@ -21,8 +21,9 @@ protected:
     void launch() {
         app.reset();
         app = std::make_unique<AppDelegate>(
-            desktop.services(), std::make_shared<SystemEventPoster>(
-                                    desktop.keyboard, [this] { return desktop.scheduler.now(); }));
+            desktop.services(), desktop.session(),
+            std::make_shared<SystemEventPoster>(desktop.keyboard,
+                                                [this] { return desktop.scheduler.now(); }));
         app->launch();
     }
 

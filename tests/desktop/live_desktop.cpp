@@ -111,4 +111,16 @@ void LiveDesktopTest::expectNothingConverted(const std::string& text, const std:
     expectEnd(text, layout);
 }
 
+void LiveDesktopTest::expectTypedTextForgotten() {
+    if (dynamic_cast<Terminal*>(&application()) != nullptr) {
+        expectNothingConverted("ghbdtn", "us");
+        return;
+    }
+    const std::size_t logged = program().log().size();
+    keyboard().doubleShift();
+    expectEnd("привет", "ru");
+    EXPECT_EQ(program().log().find("Typed-word path", logged), std::string::npos);
+    lockLayout(desktop().display(), 0);
+}
+
 } // namespace kelvora::real

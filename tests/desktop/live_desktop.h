@@ -49,6 +49,10 @@ protected:
     /// Sees to it that the double Shift now changes nothing and sends nothing.
     void expectNothingConverted(const std::string& text, const std::string& layout);
 
+    /// The double Shift now must not count on "ghbdtn", the line's text, having been typed before
+    /// the caret: a terminal is left alone, and an editor's word is found by looking at its text.
+    void expectTypedTextForgotten();
+
 private:
     LiveDesktop* live_ = nullptr;
     std::vector<unsigned long> expectedKeymap_;

@@ -16,11 +16,16 @@ using namespace std::chrono_literals;
 /// A gate in virtual time. Steps are words: a number is the time in milliseconds of what follows;
 /// letters are keys that type themselves, "Tab", "Back", "F6", "^c" (with Control), "+" and "-"
 /// (Shift down, up), "*x" (one of our own), "click"; "secret", "ordinary", "untold" are reports,
-/// "other" is an ordinary one about another text; "window" is a change of the window; "fence".
-/// What comes out is written the same way, with "!" for a change of focus and "|" for a fence
-/// passed; a letter whose text was taken away is "_".
+/// "pending" too, "other" is an ordinary one about another text; "window" is a change of the
+/// window,
+/// "@1" the client whose window has the focus; "grab"; "fence". What comes out is written the same
+/// way, with "!" for a change of focus and "|" for a fence passed; a letter whose text was taken
+/// away is "_", and "?" asks whether the secret focus is still there.
 class Gate {
 public:
+    Gate() {
+        entry_.setConfirm([this] { output_ += '?'; });
+    }
     std::string run(const std::string& steps) {
         std::istringstream words(steps);
         for (std::string word; words >> word;) {
@@ -30,6 +35,8 @@ public:
                 entry_.report({FocusSecrecy::secret, true}, now_);
             else if (word == "ordinary")
                 entry_.report({FocusSecrecy::ordinary, false}, now_);
+            else if (word == "pending")
+                entry_.report({FocusSecrecy::pending, false}, now_);
             else if (word == "other")
                 entry_.report({FocusSecrecy::ordinary, true}, now_);
             else if (word == "untold")
@@ -37,7 +44,11 @@ public:
             else if (word == "window")
                 gate_.handleWindowChange(now_);
             else if (word == "fence")
-                gate_.handleFence(now_);
+                gate_.handleFence(1, now_);
+            else if (word == "grab")
+                gate_.handleGrab(now_);
+            else if (word[0] == '@')
+                gate_.handleFocusClient(static_cast<std::uint32_t>(word[1] - '0'), now_);
             else
                 gate_.handleEvent(event(word), now_);
         }
@@ -99,7 +110,7 @@ private:
     SecureEntryGate gate_{&entry_,
                           {.deliver = [this](const InputEvent& event) { deliver(event); },
                            .onFocusChanged = [this] { output_ += '!'; },
-                           .onFencePassed = [this] { output_ += '|'; },
+                           .onFencePassed = [this](std::uint8_t) { output_ += '|'; },
                            .setTimer = [this](SecureEntryGate::Time time) { timer_ = time; }}};
 };
 
@@ -136,15 +147,35 @@ TEST(SecureEntryGate, LetsThroughWhatIsNotSecret) {
         {"what was typed in the old window", "0 ordinary Tab a window b 99", "Tab!b"},
         {"the application moves the focus", "0 ordinary a 1002 other b", "a!b"},
         {"the user does", "0 ordinary a 1000 other b", "ab"},
-        {"its application hangs in the background", "0 secret 500 window a 1499 b 1500 c", "!!_"},
+        {"its application hangs in the background", "0 @1 secret 500 window @2 a 1499 b 1500 c",
+         "!!?_"},
         {"but not when it told just before the window changed",
-         "0 ordinary 500 secret 505 window a 2000 b", "!!"},
+         "0 @1 ordinary 500 secret 505 window @2 a 2000 b", "!!?"},
+        {"and not when it has come to the front again",
+         "0 @1 secret 500 window @2 600 window @1 2000 a", "!!?!?"},
+        {"another window of the same application", "0 @1 secret 500 window @1 a 2000 b", "!!?"},
+        {"a menu or a screen lock over it", "0 @1 secret 500 grab a 2000 b 3000 grab c 5000",
+         "!!!"},
+        {"an answer that takes long", "0 ordinary Tab p 40 pending 200 q 290 ordinary r 291",
+         "Tabpqr"},
+        {"and is that it is secret", "0 ordinary Tab p 40 pending 200 q 290 secret r 400", "Tab!"},
+        {"that takes too long: no half words",
+         "0 ordinary a 9 pending b 308 c 309 d 400 ordinary e click f 450", "a!_clickf"},
+        {"that never comes", "0 ordinary Tab p 9 pending 309 q 9000 r", "Tab!"},
+        {"never, and the user goes elsewhere",
+         "0 @1 ordinary 9 pending 500 window @2 a 1499 b 1500 c", "!!_"},
+        {"and then accessibility ends", "0 ordinary Tab p 40 pending q untold r", "Tabr"},
+        {"answered, but moved on to a secret since",
+         "0 ordinary Tab p 9 pending 30 Tab q 40 ordinary pending 99 secret 400", "Tab!"},
+        {"moved long after the last key", "0 ordinary a 2000 pending b 2010 other 2011", "a!b"},
+        {"our own key is an act, too", "0 ordinary a 2000 *v 2010 other b", "avb"},
+        {"and so is Shift", "0 ordinary a 2000 + 2010 other - b", "a+-b"},
         {"accessibility ends", "0 ordinary Tab a untold b", "Tabab"},
         {"accessibility ends in a password field", "0 secret Tab a untold b", "!!b"},
         {"a fence waits for what was before it", "0 ordinary Tab fence a fence b 49 fence 50",
          "Tab|a|b|"},
         {"a fence after secrets", "0 ordinary Tab a fence 5 secret 49 fence 50 fence", "Tab!|||"},
-        {"a fence and another window", "0 ordinary Tab a fence window fence", "Tab|!|"},
+        {"a fence and another window", "0 ordinary Tab a fence window fence", "Tab!||"},
     };
     for (const auto& test : cases)
         EXPECT_EQ(Gate().run(test.steps), test.expected) << test.name;

@@ -86,6 +86,7 @@ AccessibilityAttribute AtspiElement::focusedChild() {
 AccessibilityAttribute AtspiElement::selectedText() {
     if (const BusError error = mayRead(); error != BusError::none)
         return failed(error);
+    text().takeOutUnanswered();
     const auto range = text().selection();
     if (!range)
         return failed(range.error);
@@ -95,6 +96,7 @@ AccessibilityAttribute AtspiElement::selectedText() {
     // What is inside such an object is selected too, and not in this text.
     if (selected.value.find(objectReplacement) != std::u16string::npos)
         return failed(AccessibilityError::attributeUnsupported);
+    lastSelected_ = selected.value;
     return textValue(std::move(selected.value));
 }
 
@@ -131,8 +133,10 @@ AccessibilityError AtspiElement::replaceSelection(std::u16string_view newText) {
         return toAccessibilityError(old.error);
     if (old.value.find(objectReplacement) != std::u16string::npos)
         return AccessibilityError::attributeUnsupported;
-    return toAccessibilityError(
-        text().replace(range.value, old.value, newText, {}, newText.size()));
+    // Another text than the new one was made from.
+    if (lastSelected_ && *lastSelected_ != old.value)
+        return AccessibilityError::failure;
+    return text().replace(range.value, old.value, newText, {}, newText.size());
 }
 
 TextRole AtspiElement::role() {
@@ -156,12 +160,21 @@ BusReply<TextRole> AtspiElement::readTextRole() {
     const TextRole told = textRoleOf(role.value, states.value, unmarked);
     if (told != TextRole::singleLine)
         return {BusError::none, told};
+    return {BusError::none, hasOneLine() ? TextRole::singleLine : TextRole::multiLine};
+}
+
+/// False where it cannot be told: the whole text of a field may be replaced, that of a document
+/// never.
+bool AtspiElement::hasOneLine() {
     const auto length = text().length();
-    const auto begin = text().read({0, std::min(length.value, lineBreakReach)});
-    if (!length || !begin)
-        return {BusError::none, told};
-    const bool hasLines = begin.value.find_first_of(u"\n\x2029") != std::u16string::npos;
-    return {BusError::none, hasLines ? TextRole::multiLine : TextRole::singleLine};
+    if (!length)
+        return false;
+    const std::int32_t reach = std::min(length.value, lineBreakReach);
+    auto begin = text().read({0, reach});
+    // Half a character cannot be given: one that counts in UTF-16 units refuses.
+    if (begin.error == BusError::refused && reach < length.value)
+        begin = text().read({0, reach + 1});
+    return begin && begin.value.find_first_of(u"\n\x2029") == std::u16string::npos;
 }
 
 BusError AtspiElement::mayRead() {

@@ -6,6 +6,8 @@
 #include "host/linux/atspi/atspi_text.h"
 
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace kelvora {
 
@@ -34,6 +36,7 @@ private:
     [[nodiscard]] AccessibilityError replaceSelection(std::u16string_view text);
 
     [[nodiscard]] BusReply<TextRole> readTextRole();
+    [[nodiscard]] bool hasOneLine();
     /// `none` where the text may be read: there is one, and it is not secret.
     [[nodiscard]] BusError mayRead();
     /// `none` where it may also be replaced in place without harm.
@@ -42,6 +45,7 @@ private:
 
     std::shared_ptr<AtspiSession> session_;
     AtspiReference object_;
+    std::optional<std::u16string> lastSelected_; ///< as last given out
 };
 
 } // namespace kelvora

@@ -15,6 +15,7 @@ constexpr std::size_t furthestReach = 1'000'000;
 std::optional<TextStretch> AtspiElement::textAroundCaret(std::size_t reach) {
     if (!session_->begin() || mayWrite() != BusError::none)
         return std::nullopt;
+    text().takeOutUnanswered();
     const auto selection = text().selection();
     const auto length = text().length();
     const auto caret = text().caret();
@@ -73,8 +74,8 @@ AccessibilityError AtspiElement::replace(const TextStretch& stretch, std::size_t
     if (found.value != whole || selection.value.begin != selection.value.end ||
         caretNow.value != offsetOf(stretch.caret))
         return AccessibilityError::failure;
-    return toAccessibilityError(text().replace({offsetOf(begin), offsetOf(end)}, old, replacement,
-                                               whole.substr(end), caret));
+    return text().replace({offsetOf(begin), offsetOf(end)}, old, replacement, whole.substr(end),
+                          caret);
 }
 
 } // namespace kelvora

@@ -11,7 +11,9 @@ namespace kelvora {
 AtspiFocusFollower::AtspiFocusFollower(EventLoop& loop,
                                        std::function<void(const FocusReport&)> onReport)
     : worker_(std::make_unique<AtspiFocusWorker>()), onReport_(std::move(onReport)),
-      watch_(loop.watchReadable(worker_->reportDescriptor(), [this] { fetch(); })) {}
+      watch_(worker_->reportDescriptor() >= 0
+                 ? loop.watchReadable(worker_->reportDescriptor(), [this] { fetch(); })
+                 : nullptr) {}
 
 AtspiFocusFollower::~AtspiFocusFollower() = default;
 
@@ -22,6 +24,10 @@ AtspiFocusFollower::focusedElement(std::int32_t processIdentifier) const {
 
 std::optional<AtspiReference> AtspiFocusFollower::focusedElement() const {
     return worker_->focusedElement();
+}
+
+void AtspiFocusFollower::confirm() {
+    worker_->confirm();
 }
 
 void AtspiFocusFollower::fetch() {

@@ -31,6 +31,10 @@ public:
     /// Reports what has not been reported yet. Main thread only.
     void fetch();
 
+    /// Asks the focused object, if it is a secret one, whether it has the focus still, and reports
+    /// when it has not. Does not wait.
+    void confirm();
+
 private:
     std::unique_ptr<AtspiFocusWorker> worker_;
     std::function<void(const FocusReport&)> onReport_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/atspi/atspi_focus_notices.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -11,7 +13,10 @@
 namespace kelvora {
 namespace {
 
-constexpr std::size_t mostNotices = 256;
+/// Whoever tells more than this at once has moved on from the first of it. Not only the last,
+/// because a page or a tab may be focused after the text in it.
+constexpr std::ptrdiff_t mostFocusNotices = 8; // of one kind and application
+constexpr std::chrono::milliseconds longestConnecting{2000};
 
 const AtspiReference registry{"org.a11y.atspi.Registry", "/org/a11y/atspi/registry"};
 constexpr const char* registryInterface = "org.a11y.atspi.Registry";
@@ -22,6 +27,12 @@ constexpr const char* wantedEvents[] = {"object:state-changed:focused",
 template <typename Value>
 const Value* argument(const BusSignal& signal, std::size_t index) {
     return index < signal.arguments.size() ? std::get_if<Value>(&signal.arguments[index]) : nullptr;
+}
+
+bool isOfFocus(const AtspiFocusNotice& notice) {
+    using Kind = AtspiFocusNotice::Kind;
+    return notice.kind == Kind::focusGained || notice.kind == Kind::focusLost ||
+           notice.kind == Kind::roleChanged;
 }
 
 AtspiReference source(const BusSignal& signal) {
@@ -35,8 +46,12 @@ std::unique_ptr<AtspiFocusNotices> AtspiFocusNotices::connect() {
     notices->connection_ = openAtspiConnection();
     if (!notices->connection_)
         return nullptr;
-    notices->subscribe();
-    return notices->registerEvents() ? std::move(notices) : nullptr;
+    const auto end = BusConnection::Clock::now() + longestConnecting;
+    notices->connection_->setDeadline(end);
+    if (!notices->subscribe(end) || !notices->registerEvents())
+        return nullptr;
+    notices->connection_->clearDeadline();
+    return notices;
 }
 
 std::optional<AtspiFocusNotice> AtspiFocusNotices::take() {
@@ -47,11 +62,20 @@ std::optional<AtspiFocusNotice> AtspiFocusNotices::take() {
     return notice;
 }
 
-void AtspiFocusNotices::subscribe() {
+bool AtspiFocusNotices::announceFocus(const std::string& activeBusName) const {
     using Kind = AtspiFocusNotice::Kind;
-    const auto listen = [this](const std::string& rule, auto handler) {
+    return std::ranges::any_of(notices_, [&](const AtspiFocusNotice& notice) {
+        return notice.kind == Kind::windowActivated ||
+               (notice.kind == Kind::focusGained && notice.object.busName == activeBusName);
+    });
+}
+
+bool AtspiFocusNotices::subscribe(BusConnection::Clock::time_point end) {
+    using Kind = AtspiFocusNotice::Kind;
+    const auto listen = [this, end](const std::string& rule, auto handler) {
         // A rule that is refused leaves its notices out; a lost connection shows when dispatching.
-        static_cast<void>(connection_->subscribe("type='signal'," + rule, std::move(handler)));
+        if (BusConnection::Clock::now() < end)
+            static_cast<void>(connection_->subscribe("type='signal'," + rule, std::move(handler)));
     };
     const std::string object = "interface='org.a11y.atspi.Event.Object',";
     listen(object + "member='StateChanged',arg0='focused'", [this](const BusSignal& signal) {
@@ -74,6 +98,7 @@ void AtspiFocusNotices::subscribe() {
                if (const auto* name = argument<std::string>(signal, 0))
                    note(Kind::applicationGone, {*name, {}});
            });
+    return BusConnection::Clock::now() < end;
 }
 
 bool AtspiFocusNotices::registerEvents() {
@@ -90,10 +115,12 @@ bool AtspiFocusNotices::registerEvents() {
 }
 
 void AtspiFocusNotices::note(AtspiFocusNotice::Kind kind, AtspiReference object) {
-    // Whoever tells more than this at once has moved on from the first of it.
-    if (notices_.size() >= mostNotices)
-        notices_.pop_front();
     notices_.push_back({kind, std::move(object)});
+    const auto isSame = [last = &notices_.back()](const AtspiFocusNotice& notice) {
+        return notice.kind == last->kind && notice.object.busName == last->object.busName;
+    };
+    if (isOfFocus(notices_.back()) && std::ranges::count_if(notices_, isSame) > mostFocusNotices)
+        notices_.erase(std::ranges::find_if(notices_, isSame));
 }
 
 } // namespace kelvora

@@ -6,6 +6,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace kelvora {
 
@@ -34,12 +35,16 @@ public:
     [[nodiscard]] BusConnection& connection() { return *connection_; }
     /// Takes in what has arrived. False when the bus is gone.
     [[nodiscard]] bool dispatch() { return connection_->dispatch(); }
-    /// The oldest notice; absent when there is none.
+    /// The oldest notice; absent when there is none. Of what an application tells of its focus only
+    /// the last few are kept.
     [[nodiscard]] std::optional<AtspiFocusNotice> take();
+    [[nodiscard]] bool isEmpty() const { return notices_.empty(); }
+    /// The focus may move, by what is still to be taken: within that application or to another.
+    [[nodiscard]] bool announceFocus(const std::string& activeBusName) const;
 
 private:
     AtspiFocusNotices() = default;
-    void subscribe();
+    [[nodiscard]] bool subscribe(BusConnection::Clock::time_point end);
     [[nodiscard]] bool registerEvents();
     void note(AtspiFocusNotice::Kind kind, AtspiReference object);
 

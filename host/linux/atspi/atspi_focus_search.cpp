@@ -73,14 +73,18 @@ AtspiFocusSearch::Step AtspiFocusSearch::step(BusConnection& connection) {
     return Step::goOn;
 }
 
-std::vector<AtspiReference> findActiveWindows(BusConnection& connection) {
+std::vector<AtspiReference> findActiveWindows(BusConnection& connection,
+                                              const std::function<bool()>& isStopping) {
     const auto end = Clock::now() + longestLookAtWindows;
+    const auto isOver = [&] { return Clock::now() >= end || isStopping(); };
     std::vector<AtspiReference> active;
     for (const AtspiReference& application : childrenOf(connection, atspi::registryRoot)) {
+        if (isOver())
+            break;
         std::vector<AtspiReference> windows = childrenOf(connection, application);
         windows.resize(std::min(windows.size(), mostWindows));
         for (const AtspiReference& window : windows) {
-            if (Clock::now() >= end)
+            if (isOver())
                 break;
             if (statesOf(connection, window).value.has(AtspiState::active))
                 active.push_back(window);

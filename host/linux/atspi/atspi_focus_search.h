@@ -4,6 +4,7 @@
 #include "host/linux/atspi/atspi_connection.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -42,7 +43,9 @@ private:
     std::optional<AtspiReference> found_;
 };
 
-/// The windows that are active now, of all applications that answer in a short time.
-[[nodiscard]] std::vector<AtspiReference> findActiveWindows(BusConnection& connection);
+/// The windows that are active now, of all applications that answer in a short time. Ends early
+/// when `isStopping` says so.
+[[nodiscard]] std::vector<AtspiReference>
+findActiveWindows(BusConnection& connection, const std::function<bool()>& isStopping);
 
 } // namespace kelvora

@@ -7,7 +7,7 @@ void AtspiFocusTracker::windowActivated(const AtspiReference& window) {
     Application& application = applications_[window.busName];
     application.tellsOfWindows = true;
     application.activeWindow = window.path;
-    active_ = window.busName;
+    activate(window.busName);
 }
 
 void AtspiFocusTracker::windowDeactivated(const AtspiReference& window) {
@@ -19,15 +19,16 @@ void AtspiFocusTracker::windowDeactivated(const AtspiReference& window) {
     application.activeWindow.clear();
     application.focus.reset();
     if (active_ == window.busName)
-        active_.clear();
+        deactivate();
 }
 
 void AtspiFocusTracker::focusGained(const AtspiReference& object, AtspiObjectKind kind) {
     Application& application = applications_[object.busName];
     application.focus = Focus{object, kind};
+    application.focusedAt = ++lastEvent_;
     // An application that tells of its windows may also focus something in one that is not active.
     if (active_.empty() && !application.tellsOfWindows)
-        active_ = object.busName;
+        activate(object.busName);
 }
 
 void AtspiFocusTracker::focusLost(const AtspiReference& object) {
@@ -38,7 +39,7 @@ void AtspiFocusTracker::focusLost(const AtspiReference& object) {
 void AtspiFocusTracker::applicationGone(const std::string& busName) {
     applications_.erase(busName);
     if (active_ == busName)
-        active_.clear();
+        deactivate();
     if (lastText_ && lastText_->busName == busName)
         lastText_.reset();
 }
@@ -85,6 +86,13 @@ std::optional<AtspiReference> AtspiFocusTracker::focusedElement() const {
     return application->focus->object;
 }
 
+std::optional<AtspiReference> AtspiFocusTracker::secretFocus() const {
+    const Application* application = activeApplication();
+    if (application == nullptr || !application->focus || !application->focus->kind.isSecret)
+        return std::nullopt;
+    return application->focus->object;
+}
+
 FocusReport AtspiFocusTracker::report() {
     FocusReport report{.secrecy = FocusSecrecy::ordinary, .isOtherText = false};
     const Application* application = activeApplication();
@@ -98,6 +106,26 @@ FocusReport AtspiFocusTracker::report() {
         lastText_ = focus.object;
     }
     return report;
+}
+
+void AtspiFocusTracker::activate(const std::string& busName) {
+    active_ = busName;
+    activeSince_ = ++lastEvent_;
+}
+
+void AtspiFocusTracker::deactivate() {
+    active_.clear();
+    // The focus of an application that does not tell of its windows may be told before the other's
+    // window is said to be left. What it had before that is of another time.
+    std::uint64_t latest = activeSince_;
+    for (const auto& [busName, application] : applications_) {
+        if (application.tellsOfWindows || !application.focus || application.focusedAt <= latest)
+            continue;
+        latest = application.focusedAt;
+        active_ = busName;
+    }
+    if (!active_.empty())
+        activeSince_ = ++lastEvent_;
 }
 
 const AtspiFocusTracker::Application* AtspiFocusTracker::activeApplication() const {

@@ -29,6 +29,8 @@ public:
     void setProcess(const std::string& busName, std::int32_t processIdentifier);
 
     [[nodiscard]] bool knowsProcess(const std::string& busName) const;
+    /// Bus name of the active application; empty when none is.
+    [[nodiscard]] const std::string& active() const { return active_; }
     [[nodiscard]] bool isActive(const std::string& busName) const { return busName == active_; }
     [[nodiscard]] bool hasFocus(const AtspiReference& object) const;
     [[nodiscard]] bool hasAnyFocus(const std::string& busName) const;
@@ -37,6 +39,8 @@ public:
 
     [[nodiscard]] std::optional<AtspiReference> focusedElement(std::int32_t process) const;
     [[nodiscard]] std::optional<AtspiReference> focusedElement() const;
+    /// The secret object that has the focus of the active application.
+    [[nodiscard]] std::optional<AtspiReference> secretFocus() const;
     /// Of the active application. Each call compares with the text of the call before.
     [[nodiscard]] FocusReport report();
 
@@ -50,12 +54,18 @@ private:
         bool tellsOfWindows = false; ///< it has told of one at some time
         std::string activeWindow;    ///< path; empty when none is
         std::optional<Focus> focus;
+        std::uint64_t focusedAt = 0; ///< in the order of what happened
     };
+
+    void activate(const std::string& busName);
+    void deactivate();
 
     [[nodiscard]] const Application* activeApplication() const;
 
     std::map<std::string, Application> applications_; ///< by bus name
-    std::string active_;                              ///< bus name; empty when none is
+    std::string active_;
+    std::uint64_t activeSince_ = 0;
+    std::uint64_t lastEvent_ = 0;
     std::optional<AtspiReference> lastText_;
 };
 

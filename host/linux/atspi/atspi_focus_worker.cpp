@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/atspi/atspi_focus_worker.h"
 
+#include "host/linux/atspi/atspi_focus_questions.h"
+#include "host/linux/atspi/atspi_session.h"
+
 #include <poll.h>
 
 #include <algorithm>
@@ -11,17 +14,24 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr std::uint32_t rolePasswordText = 40; // AtspiRole
-constexpr milliseconds longestQuestion{100};
 constexpr milliseconds askAgainAfter{250};
-constexpr int mostAttempts = 20;
-constexpr int mostSearches = 4; // of a window that answers
+constexpr milliseconds askSeldomAfter{2000};
+constexpr int mostFrequentAttempts = 20;
+constexpr int mostFrequentSearches = 4; // of a window that answers
+constexpr int mostSearches = 8;
 /// Every toolkit that tells of its focus does it together with the window's activation.
 constexpr milliseconds silenceOfWindow{60};
 constexpr milliseconds silenceAfterLoss{200};
 constexpr milliseconds firstPause{100}; // before a lost bus is looked for again
 constexpr int mostTries = 6;
+constexpr milliseconds confirmAfter{500};
+constexpr std::size_t mostTold = 8; // of one application
 constexpr milliseconds endless{-1};
+constexpr milliseconds longestPause{500}; // where nobody can wake
+
+milliseconds pauseAfter(int attempts) {
+    return attempts < mostFrequentAttempts ? askAgainAfter : askSeldomAfter;
+}
 
 } // namespace
 
@@ -29,7 +39,7 @@ AtspiFocusWorker::AtspiFocusWorker() : thread_([this] { run(); }) {}
 
 AtspiFocusWorker::~AtspiFocusWorker() {
     isStopping_ = true;
-    stopped_.wake();
+    woken_.wake();
     thread_.join();
 }
 
@@ -52,6 +62,11 @@ std::vector<FocusReport> AtspiFocusWorker::takeReports() {
     return std::exchange(reports_, {});
 }
 
+void AtspiFocusWorker::confirm() {
+    isDoubted_ = true;
+    woken_.wake();
+}
+
 void AtspiFocusWorker::run() {
     session_ = BusConnection::openSession();
     if (session_ && !session_->subscribe("type='signal',sender='org.freedesktop.DBus',"
@@ -65,14 +80,17 @@ void AtspiFocusWorker::run() {
             continue;
         follow();
         notices_.reset();
-        unanswered_.clear();
-        silentWindows_.clear();
+        unanswered_.reset();
+        silentWindow_.reset();
         search_.reset();
+        told_.clear();
+        lossEnd_.reset();
+        confirmAt_.reset();
         {
             const std::lock_guard lock(mutex_);
             tracker_ = {};
         }
-        report({.secrecy = FocusSecrecy::untold});
+        report(FocusSecrecy::untold);
     }
 }
 
@@ -96,12 +114,15 @@ void AtspiFocusWorker::awaitBus() {
 }
 
 void AtspiFocusWorker::pause(BusConnection* connection, milliseconds limit) {
+    if (woken_.descriptor() < 0 && (limit < milliseconds(0) || limit > longestPause))
+        limit = longestPause;
     if (connection != nullptr) {
-        connection->wait(limit, stopped_.descriptor());
-        return;
+        connection->wait(limit, woken_.descriptor());
+    } else {
+        pollfd wake{woken_.descriptor(), POLLIN, 0};
+        poll(&wake, 1, static_cast<int>(limit.count()));
     }
-    pollfd stop{stopped_.descriptor(), POLLIN, 0};
-    poll(&stop, 1, static_cast<int>(limit.count()));
+    woken_.clear();
 }
 
 void AtspiFocusWorker::follow() {
@@ -109,16 +130,17 @@ void AtspiFocusWorker::follow() {
         const std::lock_guard lock(mutex_);
         tracker_ = {};
     }
-    report({.secrecy = FocusSecrecy::ordinary});
-    for (const AtspiReference& window : findActiveWindows(bus()))
+    report(FocusSecrecy::pending);
+    for (const AtspiReference& window : findActiveWindows(bus(), [this] { return !!isStopping_; }))
         handle({Kind::windowActivated, window});
+    reportFocus();
     while (!isStopping_ && notices_->dispatch()) {
-        if (const std::optional<AtspiFocusNotice> notice = notices_->take()) {
-            handle(*notice);
-            continue;
-        }
+        while (const std::optional<AtspiFocusNotice> notice = notices_->take())
+            if (!isStopping_)
+                handle(*notice);
         askAgain();
         reportLoss();
+        confirmSecret();
         search();
         if (!search_)
             pause(&bus(), timeToNextTask());
@@ -130,12 +152,14 @@ milliseconds AtspiFocusWorker::timeToNextTask() const {
     const auto consider = [&next](Clock::time_point time) {
         next = next ? std::min(*next, time) : time;
     };
-    for (const auto& [busName, question] : unanswered_)
-        consider(question.next);
-    for (const auto& [busName, window] : silentWindows_)
-        consider(window.next);
-    if (lossEnd_ && unanswered_.empty())
+    if (unanswered_)
+        consider(unanswered_->next);
+    if (silentWindow_)
+        consider(silentWindow_->next);
+    if (lossEnd_ && !unanswered_)
         consider(*lossEnd_);
+    if (confirmAt_)
+        consider(*confirmAt_);
     if (!next)
         return endless;
     const auto left = std::chrono::ceil<milliseconds>(*next - Clock::now());
@@ -143,105 +167,132 @@ milliseconds AtspiFocusWorker::timeToNextTask() const {
 }
 
 void AtspiFocusWorker::handle(const AtspiFocusNotice& notice) {
-    const AtspiReference& object = notice.object;
     switch (notice.kind) {
     case Kind::focusGained:
-        learnFocus(object, 0);
+        handleFocus(notice.object);
         return;
     case Kind::roleChanged:
-        if (tracker_.hasFocus(object))
-            learnFocus(object, 0);
+        if (tracker_.hasFocus(notice.object))
+            handleFocus(notice.object);
         return;
     case Kind::focusLost:
+        handleLoss(notice.object);
+        return;
     case Kind::windowActivated:
     case Kind::windowDeactivated:
     case Kind::applicationGone:
-        break;
+        handleWindow(notice);
+        return;
     }
-    const bool wasActive = tracker_.isActive(object.busName);
-    if (notice.kind == Kind::windowActivated) {
+}
+
+void AtspiFocusWorker::handleFocus(const AtspiReference& object) {
+    if (!tracker_.isActive(object.busName)) {
+        std::vector<AtspiReference>& told = told_[object.busName];
+        std::erase(told, object);
+        if (told.size() >= mostTold)
+            told.erase(told.begin());
+        told.push_back(object);
+        const std::string before = tracker_.active();
+        {
+            const std::lock_guard lock(mutex_);
+            tracker_.focusGained(object, {});
+        }
         learnProcess(object.busName);
-    } else if (notice.kind != Kind::focusLost) {
-        unanswered_.erase(object.busName);
-        silentWindows_.erase(object.busName);
-    } else if (const auto question = unanswered_.find(object.busName);
-               question != unanswered_.end() && question->second.object == object) {
-        unanswered_.erase(question);
+        if (tracker_.active() != before)
+            followActive();
+        return;
     }
-    FocusReport news;
+    silentWindow_.reset();
+    search_.reset();
+    learnFocus(object, 0);
+}
+
+void AtspiFocusWorker::handleLoss(const AtspiReference& object) {
+    if (const auto told = told_.find(object.busName); told != told_.end())
+        std::erase(told->second, object);
+    if (unanswered_ && unanswered_->object == object)
+        giveUpQuestion();
     {
         const std::lock_guard lock(mutex_);
-        if (notice.kind == Kind::focusLost)
-            tracker_.focusLost(object);
-        else if (notice.kind == Kind::windowActivated)
-            tracker_.windowActivated(object);
-        else if (notice.kind == Kind::windowDeactivated)
-            tracker_.windowDeactivated(object);
-        else
-            tracker_.applicationGone(object.busName);
-        if (notice.kind == Kind::windowActivated && !tracker_.hasAnyFocus(object.busName))
-            silentWindows_[object.busName] = {object, Clock::now() + silenceOfWindow, 0};
-        if (!wasActive && !tracker_.isActive(object.busName))
-            return;
-        // Most often another object gains it at once.
-        if (notice.kind == Kind::focusLost) {
-            if (!tracker_.hasAnyFocus(object.busName))
-                lossEnd_ = Clock::now() + silenceAfterLoss;
-            return;
-        }
-        news = tracker_.report();
+        tracker_.focusLost(object);
     }
-    report(news);
+    // Most often another object gains it at once.
+    if (tracker_.isActive(object.busName))
+        lossEnd_ = Clock::now() + silenceAfterLoss;
+}
+
+void AtspiFocusWorker::handleWindow(const AtspiFocusNotice& notice) {
+    const std::string& busName = notice.object.busName;
+    const std::string before = tracker_.active();
+    {
+        const std::lock_guard lock(mutex_);
+        if (notice.kind == Kind::windowActivated)
+            tracker_.windowActivated(notice.object);
+        else if (notice.kind == Kind::windowDeactivated)
+            tracker_.windowDeactivated(notice.object);
+        else
+            tracker_.applicationGone(busName);
+    }
+    const bool isActivated = notice.kind == Kind::windowActivated;
+    if (!isActivated && !tracker_.hasAnyFocus(busName))
+        told_.erase(busName);
+    const bool isOther = tracker_.active() != before;
+    if (isOther)
+        followActive();
+    if (isActivated && !tracker_.hasAnyFocus(busName) && !unanswered_) {
+        search_.reset();
+        silentWindow_ = {notice.object, Clock::now() + silenceOfWindow, 0, false};
+    }
+    if (isActivated || isOther)
+        reportFocus();
+    if (isActivated)
+        learnProcess(busName);
+}
+
+void AtspiFocusWorker::followActive() {
+    giveUpQuestion();
+    silentWindow_.reset();
+    search_.reset();
+    const auto told = told_.extract(tracker_.active());
+    if (told.empty())
+        return;
+    for (const AtspiReference& object : told.mapped())
+        learnFocus(object, 0);
+}
+
+void AtspiFocusWorker::giveUpQuestion() {
+    if (!unanswered_)
+        return;
+    unanswered_.reset();
+    // What was typed into it may be held back still, and nobody will know any more what it was.
+    report(FocusSecrecy::secret);
 }
 
 void AtspiFocusWorker::learnFocus(const AtspiReference& object, int attempts) {
+    if (unanswered_ && unanswered_->object != object)
+        giveUpQuestion();
+    unanswered_ = {object, Clock::now() + pauseAfter(attempts), attempts + 1, false};
+    reportFocus();
     learnProcess(object.busName);
-    silentWindows_.erase(object.busName);
-    if (search_ && search_->window().busName == object.busName)
-        search_.reset();
-    const BusReply<AtspiObjectKind> kind = kindOf(object);
-    const bool isUnanswered = kind.error == BusError::timedOut || kind.error == BusError::notAsked;
-    if (isUnanswered && attempts < mostAttempts) {
-        unanswered_[object.busName] = {object, Clock::now() + askAgainAfter, attempts + 1};
+    const BusReply<AtspiObjectKind> kind = askKind(bus(), object);
+    if (isWithoutAnswer(kind.error))
         return;
-    }
-    unanswered_.erase(object.busName);
     // Windows, pages and tabs are focused together with the text inside them.
     const std::optional<AtspiReference> text = tracker_.focusedText(object.busName);
-    if (!kind.value.isText && !kind.value.isSecret && text && *text != object &&
-        isStillFocused(*text))
-        return;
-    FocusReport news;
-    {
+    bool isTextFocused = false;
+    if (!kind.value.isText && !kind.value.isSecret && text && *text != object) {
+        const BusReply<bool> answer = askIsFocused(bus(), *text);
+        isTextFocused = isWithoutAnswer(answer.error) || answer.value;
+    }
+    if (kind.error == BusError::gone)
+        giveUpQuestion();
+    unanswered_.reset();
+    if (!isTextFocused) {
         const std::lock_guard lock(mutex_);
         tracker_.focusGained(object, kind.value);
-        if (!tracker_.isActive(object.busName))
-            return;
-        news = tracker_.report();
     }
-    report(news);
-}
-
-BusReply<AtspiObjectKind> AtspiFocusWorker::kindOf(const AtspiReference& object) {
-    bus().setDeadline(Clock::now() + longestQuestion);
-    const BusReply<std::uint32_t> role = readRole(bus(), object);
-    BusReply<AtspiObjectKind> kind{role.error, {}};
-    if (role && role.value == rolePasswordText) {
-        kind.value = {.isText = true, .isSecret = true};
-    } else if (role) {
-        const BusReply<std::vector<std::string>> names = readInterfaces(bus(), object);
-        kind.error = names.error;
-        kind.value.isText = std::ranges::find(names.value, atspi::text) != names.value.end();
-    }
-    bus().clearDeadline();
-    return kind;
-}
-
-bool AtspiFocusWorker::isStillFocused(const AtspiReference& object) {
-    bus().setDeadline(Clock::now() + longestQuestion);
-    const BusReply<AtspiStates> states = readStates(bus(), object);
-    bus().clearDeadline();
-    return states.value.has(AtspiState::focused);
+    reportFocus();
 }
 
 void AtspiFocusWorker::learnProcess(const std::string& busName) {
@@ -255,59 +306,93 @@ void AtspiFocusWorker::learnProcess(const std::string& busName) {
 }
 
 void AtspiFocusWorker::askAgain() {
-    const Clock::time_point now = Clock::now();
-    const auto due = std::ranges::find_if(
-        unanswered_, [now](const auto& entry) { return entry.second.next <= now; });
-    if (due == unanswered_.end())
+    if (!unanswered_ || Clock::now() < unanswered_->next)
         return;
-    const Question question = due->second;
+    const Question question = *unanswered_;
     learnFocus(question.object, question.attempts);
 }
 
 void AtspiFocusWorker::search() {
+    if (!silentWindow_)
+        return;
     if (!search_) {
-        const Clock::time_point now = Clock::now();
-        const auto due = std::ranges::find_if(
-            silentWindows_, [now](const auto& entry) { return entry.second.next <= now; });
-        if (due == silentWindows_.end())
+        if (Clock::now() < silentWindow_->next)
             return;
-        search_.emplace(due->second.object);
-        searchAttempts_ = due->second.attempts;
-        silentWindows_.erase(due);
+        search_.emplace(silentWindow_->object);
     }
     const AtspiFocusSearch::Step step = search_->step(bus());
     bus().clearDeadline();
     if (step == AtspiFocusSearch::Step::goOn)
         return;
-    const AtspiReference window = search_->window();
     const std::optional<AtspiReference> found = search_->found();
     search_.reset();
-    if (step == AtspiFocusSearch::Step::finished && found) {
-        learnFocus(*found, 0);
+    const int attempts = ++silentWindow_->attempts;
+    silentWindow_->next = Clock::now() + pauseAfter(attempts);
+    if (step == AtspiFocusSearch::Step::unanswered)
         return;
-    }
+    silentWindow_->wasSearched = true;
     // A window that has only just come may still be without its content.
-    const int most = step == AtspiFocusSearch::Step::unanswered ? mostAttempts : mostSearches;
-    if (searchAttempts_ + 1 < most)
-        silentWindows_[window.busName] = {window, Clock::now() + askAgainAfter,
-                                          searchAttempts_ + 1};
+    if (attempts >= mostFrequentSearches)
+        silentWindow_->next = Clock::now() + askSeldomAfter;
+    if (found || attempts >= mostSearches)
+        silentWindow_.reset();
+    if (found)
+        learnFocus(*found, 0);
+    else
+        reportFocus();
 }
 
 void AtspiFocusWorker::reportLoss() {
-    if (!lossEnd_ || !unanswered_.empty() || Clock::now() < *lossEnd_)
-        return;
-    FocusReport news;
-    {
-        const std::lock_guard lock(mutex_);
-        news = tracker_.report();
-    }
-    report(news);
+    if (lossEnd_ && !unanswered_ && Clock::now() >= *lossEnd_)
+        reportFocus();
 }
 
-void AtspiFocusWorker::report(const FocusReport& report) {
+void AtspiFocusWorker::confirmSecret() {
+    if (isDoubted_.exchange(false))
+        confirmAt_ = Clock::now() + confirmAfter;
+    if (!confirmAt_ || Clock::now() < *confirmAt_)
+        return;
+    confirmAt_.reset();
+    const std::optional<AtspiReference> object = tracker_.secretFocus();
+    if (!object || unanswered_)
+        return;
+    const BusReply<bool> answer = askIsFocused(bus(), *object);
+    if (isWithoutAnswer(answer.error) || answer.value)
+        return;
+    {
+        const std::lock_guard lock(mutex_);
+        tracker_.focusLost(*object);
+    }
+    reportFocus();
+}
+
+bool AtspiFocusWorker::isFocusUnknown() const {
+    return unanswered_ || (silentWindow_ && !silentWindow_->wasSearched);
+}
+
+void AtspiFocusWorker::reportFocus() {
     lossEnd_.reset();
+    if (isFocusUnknown()) {
+        if (lastReported_ != FocusSecrecy::pending)
+            report(FocusSecrecy::pending);
+        return;
+    }
+    // While this one was asked the focus may have gone on: then both are reported at once, so that
+    // nothing passes in between. A lost bus shows again when dispatching the next time.
+    if (notices_->isEmpty())
+        static_cast<void>(notices_->dispatch());
     const std::lock_guard lock(mutex_);
-    reports_.push_back(report);
+    reports_.push_back(tracker_.report());
+    if (notices_->announceFocus(tracker_.active()))
+        reports_.push_back({.secrecy = FocusSecrecy::pending});
+    lastReported_ = reports_.back().secrecy;
+    reported_.wake();
+}
+
+void AtspiFocusWorker::report(FocusSecrecy secrecy) {
+    const std::lock_guard lock(mutex_);
+    reports_.push_back({.secrecy = secrecy});
+    lastReported_ = secrecy;
     reported_.wake();
 }
 

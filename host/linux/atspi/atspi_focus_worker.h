@@ -33,17 +33,19 @@ public:
     /// Readable while there are reports to take.
     [[nodiscard]] int reportDescriptor() const { return reported_.descriptor(); }
     [[nodiscard]] std::vector<FocusReport> takeReports();
+    void confirm();
 
 private:
     using Clock = BusConnection::Clock;
 
     using Kind = AtspiFocusNotice::Kind;
 
-    /// What an application is to be asked later.
+    /// What the active application is to be asked later.
     struct Question {
         AtspiReference object;
         Clock::time_point next;
-        int attempts = 0; ///< that it did not answer in time
+        int attempts = 0;
+        bool wasSearched = false; ///< the window had no focus then; it may only just have come
     };
 
     void run();
@@ -53,36 +55,48 @@ private:
     [[nodiscard]] std::chrono::milliseconds timeToNextTask() const;
 
     void handle(const AtspiFocusNotice& notice);
+    void handleFocus(const AtspiReference& object);
+    void handleLoss(const AtspiReference& object);
+    void handleWindow(const AtspiFocusNotice& notice);
+    /// Asks what the application that has just become active has told before.
+    void followActive();
+    void giveUpQuestion();
     void learnFocus(const AtspiReference& object, int attempts);
-    [[nodiscard]] BusReply<AtspiObjectKind> kindOf(const AtspiReference& object);
-    [[nodiscard]] bool isStillFocused(const AtspiReference& object);
     void learnProcess(const std::string& busName);
     void askAgain();
     void search();
     void reportLoss();
-    void report(const FocusReport& report);
+    void confirmSecret();
+    [[nodiscard]] bool isFocusUnknown() const;
+    void reportFocus();
+    void report(FocusSecrecy secrecy);
     [[nodiscard]] BusConnection& bus() { return notices_->connection(); }
 
-    WakeDescriptor stopped_;
+    WakeDescriptor woken_;
     WakeDescriptor reported_;
     std::atomic<bool> isStopping_ = false;
+    std::atomic<bool> isDoubted_ = false;
 
     // The thread's own.
     std::unique_ptr<BusConnection> session_;
     bool isBusNews_ = false; ///< the accessibility bus may have come
     std::unique_ptr<AtspiFocusNotices> notices_;
-    // By bus name:
-    std::map<std::string, Question> unanswered_; ///< objects that have got the focus
-    /// Windows that were activated without word of a focus; to be searched for it.
-    std::map<std::string, Question> silentWindows_;
-    std::optional<AtspiFocusSearch> search_;
-    int searchAttempts_ = 0;
+    /// The object that has got the focus in the active application.
+    std::optional<Question> unanswered_;
+    /// The active window, when it was activated without word of a focus; to be searched for it.
+    std::optional<Question> silentWindow_;
+    std::optional<AtspiFocusSearch> search_; ///< of the silent window
+    /// By bus name, what other applications have told of their focus last. They are asked what it
+    /// is when they become active.
+    std::map<std::string, std::vector<AtspiReference>> told_;
+    std::optional<Clock::time_point> confirmAt_;
     /// When the active application has had no focus for long enough to say so.
     std::optional<Clock::time_point> lossEnd_;
 
     mutable std::mutex mutex_;
     AtspiFocusTracker tracker_; ///< written by the thread alone, under the lock
     std::vector<FocusReport> reports_;
+    FocusSecrecy lastReported_ = FocusSecrecy::untold;
 
     std::thread thread_; ///< last: it uses everything above
 };

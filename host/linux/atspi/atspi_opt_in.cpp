@@ -4,7 +4,6 @@
 #include "host/linux/desktop/atomic_file.h"
 
 #include <fcntl.h>
-#include <sys/eventfd.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -40,20 +39,21 @@ std::filesystem::path AtspiOptIn::defaultStateDirectory() {
 }
 
 AtspiOptIn::AtspiOptIn(std::filesystem::path stateDirectory)
-    : stateDirectory_(std::move(stateDirectory)), wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+    : stateDirectory_(std::move(stateDirectory)) {}
 
 AtspiOptIn::~AtspiOptIn() {
     isEnding_ = true;
-    eventfd_write(wake_, 1);
+    wake_.wake();
     if (thread_.joinable())
         thread_.join();
-    close(wake_);
 }
 
 void AtspiOptIn::request() {
     const Progress progress = progress_;
     if (progress == Progress::working || progress == Progress::done)
         return;
+    if (wake_.descriptor() < 0)
+        return; // what is switched on here could not be watched, nor the watching ended
     const std::lock_guard guard(mutex_);
     if (progress_ == Progress::working || progress_ == Progress::done || isEnding_)
         return;
@@ -114,7 +114,7 @@ void AtspiOptIn::noteChange(const BusSignal& signal) {
 
 void AtspiOptIn::watch() {
     while (session_->dispatch() && isOurs_ && !isEnding_)
-        session_->wait(std::chrono::milliseconds(-1), wake_);
+        session_->wait(std::chrono::milliseconds(-1), wake_.descriptor());
 }
 
 void AtspiOptIn::putBack() {

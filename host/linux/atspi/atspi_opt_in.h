@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/linux/atspi/bus_connection.h"
+#include "host/linux/atspi/wake_descriptor.h"
 
 #include <atomic>
 #include <filesystem>
@@ -16,8 +17,8 @@ namespace kelvora {
 /// "toolkit-accessibility"), so what was found is kept in a file from before the change until it
 /// is undone: after a crash the next run still undoes it. It is not undone when somebody else came
 /// to want it: a screen reader runs, or another program switched it off, or off and on again.
-/// Without a place for that file nothing is switched. Any thread; nothing blocks but the end, for
-/// the time of a few calls.
+/// Without a place for that file, or a descriptor to end on, nothing is switched. Any thread;
+/// nothing blocks but the end, for the time of a few calls.
 class AtspiOptIn {
 public:
     /// `stateDirectory` is made when it is needed.
@@ -52,7 +53,7 @@ private:
     std::mutex mutex_; ///< for starting the thread
     std::atomic<Progress> progress_ = Progress::notAsked;
     std::atomic<bool> isEnding_ = false;
-    int wake_ = -1; ///< an eventfd that ends the watching
+    WakeDescriptor wake_; ///< ends the watching
     std::thread thread_;
 
     // The thread's own.

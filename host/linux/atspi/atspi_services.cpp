@@ -10,10 +10,12 @@ AtspiServices::AtspiServices(EventLoop& loop, SecureEntry& secureEntry)
           secureEntry.report(report, std::chrono::steady_clock::now());
       }) {
     secureEntry_.setFetch([this] { follower_.fetch(); });
+    secureEntry_.setConfirm([this] { follower_.confirm(); });
 }
 
 AtspiServices::~AtspiServices() {
     secureEntry_.setFetch(nullptr);
+    secureEntry_.setConfirm(nullptr);
 }
 
 } // namespace kelvora

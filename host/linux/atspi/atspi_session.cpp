@@ -6,6 +6,8 @@ namespace {
 
 /// More applications than anybody runs; those that have ended are forgotten with the rest.
 constexpr std::size_t mostApplications = 256;
+/// Later than this, what stands there may as well be the user's own.
+constexpr std::chrono::seconds longestMemory{30};
 
 } // namespace
 
@@ -54,12 +56,6 @@ void AtspiSession::extend(std::chrono::milliseconds limit) {
         connection_->setDeadline(Clock::now() + limit);
 }
 
-void AtspiSession::send(const AtspiReference& object, const char* interface, const char* method,
-                        BusConnection::Arguments arguments) {
-    if (connection_)
-        connection_->send(object, interface, method, arguments);
-}
-
 BusReply<AtspiStates> AtspiSession::states(const AtspiReference& object) {
     const auto reply = call<std::vector<std::uint32_t>>(object, atspi::accessible, "GetState");
     return {reply.error, AtspiStates(reply.value)};
@@ -92,6 +88,12 @@ std::optional<OffsetUnit> AtspiSession::offsetUnit(const AtspiReference& object)
 
 void AtspiSession::learnOffsetUnit(const AtspiReference& object, OffsetUnit unit) {
     applications_[object.busName].offsetUnit = unit;
+}
+
+std::optional<UnansweredInsertion> AtspiSession::unanswered(const AtspiReference& object) {
+    if (unanswered_ && Clock::now() > unanswered_->since + longestMemory)
+        unanswered_.reset();
+    return unanswered_ && unanswered_->object == object ? unanswered_ : std::nullopt;
 }
 
 BusError AtspiSession::mayAsk(const AtspiReference& object) {

@@ -22,6 +22,17 @@ enum class Toolkit {
 [[nodiscard]] bool isWithoutAnswer(BusError error);
 [[nodiscard]] AccessibilityError toAccessibilityError(BusError error);
 
+/// A text that an application was asked to put in without answering: it may be there later.
+struct UnansweredInsertion {
+    AtspiReference object;
+    std::int32_t position = 0; ///< where it is put in, in the application's count
+    std::u16string before;     ///< what stands right before it
+    std::u16string text;
+    std::u16string behind;
+    std::int32_t lengthBefore = 0; ///< of the object's whole text without it
+    BusConnection::Clock::time_point since = BusConnection::Clock::now();
+};
+
 /// What all elements share: the connection, made when first needed, and what is known of the
 /// applications on it. An application that let a call run out of time is not asked again for a
 /// while, so that all the calls of one conversion together wait for it only once. One thread at a
@@ -58,16 +69,18 @@ public:
         note(object, reply.error);
         return reply;
     }
-    /// Sends without waiting, also to an application that is being left alone.
-    void send(const AtspiReference& object, const char* interface, const char* method,
-              BusConnection::Arguments arguments);
-
     [[nodiscard]] BusReply<AtspiStates> states(const AtspiReference& object);
     [[nodiscard]] BusReply<Toolkit> toolkit(const AtspiReference& object);
 
     /// Absent until something in the application's text has told.
     [[nodiscard]] std::optional<OffsetUnit> offsetUnit(const AtspiReference& object);
     void learnOffsetUnit(const AtspiReference& object, OffsetUnit unit);
+
+    /// Only the last one is kept, and not for long.
+    void remember(UnansweredInsertion insertion) { unanswered_ = std::move(insertion); }
+    /// The one into this object, if any.
+    [[nodiscard]] std::optional<UnansweredInsertion> unanswered(const AtspiReference& object);
+    void forgetUnanswered() { unanswered_.reset(); }
 
 private:
     using Clock = BusConnection::Clock;
@@ -83,6 +96,7 @@ private:
 
     std::unique_ptr<BusConnection> connection_;
     Clock::time_point nextAttempt_ = Clock::time_point::min();
+    std::optional<UnansweredInsertion> unanswered_;
     std::map<std::string, Application> applications_; ///< by bus name, which is never used again
 };
 

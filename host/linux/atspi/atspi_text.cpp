@@ -39,13 +39,19 @@ BusReply<AtspiRange> AtspiText::selection() {
             return {BusError::unsupported, {}};
         found = {begin, end};
     }
-    if (found.begin == found.end)
-        return {BusError::none, found};
     const auto total = length();
     if (!total)
         return {total.error, {}};
+    AtspiRange place = found;
+    if (found.begin == found.end) {
+        // With the caret at an edge, the selection may end there and be in the neighbour only.
+        const auto position = caret();
+        if (!position)
+            return {isWithoutAnswer(position.error) ? position.error : BusError::none, found};
+        place = {position.value, position.value};
+    }
     for (const auto& [isAtEdge, step] :
-         {std::pair{found.begin == 0, -1}, std::pair{found.end == total.value, 1}}) {
+         {std::pair{place.begin == 0, -1}, std::pair{place.end == total.value, 1}}) {
         const auto goesOn =
             isAtEdge ? isSelectedBeyond(step) : BusReply<bool>{BusError::none, false};
         if (!goesOn || goesOn.value)

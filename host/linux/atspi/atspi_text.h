@@ -31,8 +31,8 @@ public:
     [[nodiscard]] BusReply<std::int32_t> length();
     [[nodiscard]] BusReply<std::int32_t> caret();
     /// The one selection that is not empty; an empty range when there is none. `unsupported` for
-    /// several, or one that goes on in the neighbours: part of a selection is not what the user
-    /// selected.
+    /// several, or one that goes on in the neighbours or is there altogether: part of a selection
+    /// is not what the user selected.
     [[nodiscard]] BusReply<AtspiRange> selection();
     /// Exactly that part; `refused` when the application gives more or less than it was asked for.
     [[nodiscard]] BusReply<std::u16string> read(AtspiRange range);
@@ -40,10 +40,14 @@ public:
     /// Replaces a range, which must hold exactly `old`, and sets the caret `caret` UTF-16 units
     /// behind its begin (in `replacement`, then `following`, the text behind the range). The new
     /// text goes in before the old one goes out, and each step is read back: whatever fails in
-    /// between, nothing is lost, and what came out wrong is taken out again.
-    [[nodiscard]] BusError replace(AtspiRange range, std::u16string_view old,
-                                   std::u16string_view replacement, std::u16string_view following,
-                                   std::size_t caret);
+    /// between, nothing is lost, and what came out wrong is taken out again. Only text that has
+    /// been read is ever taken out. `cannotComplete` unless the text is certainly as asked or as it
+    /// was.
+    [[nodiscard]] AccessibilityError replace(AtspiRange range, std::u16string_view old,
+                                             std::u16string_view replacement,
+                                             std::u16string_view following, std::size_t caret);
+    /// Takes out what an earlier `replace` put in without an answer, if it is there exactly so.
+    void takeOutUnanswered();
 
     /// What is known of the application's unit; code points, which the interface means, until then.
     [[nodiscard]] OffsetUnit unit();
@@ -54,12 +58,12 @@ private:
         std::int32_t length = 0; ///< of the new text in the application's count
     };
 
-    [[nodiscard]] Insertion insert(AtspiRange behind, std::u16string_view old,
-                                   std::u16string_view text);
+    /// Puts a text in behind the range, which holds `old`.
+    [[nodiscard]] Insertion insert(AtspiRange range, std::u16string_view old,
+                                   std::u16string_view text, std::int32_t lengthBefore);
     [[nodiscard]] BusError erase(AtspiRange range);
-    void takeOut(AtspiRange range, std::u16string_view old, std::int32_t lengthBefore,
-                 std::u16string_view behind);
-    void takeOutLater(std::int32_t position, std::u16string_view text);
+    [[nodiscard]] bool takeOut(AtspiRange range, std::u16string_view old, std::int32_t lengthBefore,
+                               std::u16string_view behind);
     void placeCaret(std::int32_t position);
     [[nodiscard]] bool holds(AtspiRange range, std::u16string_view text);
     [[nodiscard]] BusReply<bool> isSelectedBeyond(int step);

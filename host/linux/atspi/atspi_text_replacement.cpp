@@ -20,75 +20,75 @@ std::u16string joined(std::u16string_view first, std::u16string_view second) {
 
 } // namespace
 
-BusError AtspiText::replace(AtspiRange range, std::u16string_view old,
-                            std::u16string_view replacement, std::u16string_view following,
-                            std::size_t caret) {
+AccessibilityError AtspiText::replace(AtspiRange range, std::u16string_view old,
+                                      std::u16string_view replacement,
+                                      std::u16string_view following, std::size_t caret) {
     if (!canBeSent(replacement) || replacement.size() > longestText)
-        return BusError::refused;
+        return AccessibilityError::failure;
     const auto lengthBefore = length();
     if (!lengthBefore)
-        return lengthBefore.error;
+        return toAccessibilityError(lengthBefore.error);
     const auto found = read(range);
     if (!found || found.value != old)
-        return found ? BusError::refused : found.error;
+        return toAccessibilityError(found ? BusError::refused : found.error);
     const std::int32_t behindEnd =
         range.end + std::clamp(lengthBefore.value - range.end, 0, contextLength);
     const auto behind = read({range.end, behindEnd});
     if (!behind)
-        return behind.error;
+        return toAccessibilityError(behind.error);
     if (const auto toolkit = session_.toolkit(object_); !toolkit)
-        return toolkit.error;
+        return toAccessibilityError(toolkit.error);
 
+    const auto leaveUnanswered = [&] {
+        session_.remember({object_, range.end, std::u16string(old), std::u16string(replacement),
+                           behind.value, lengthBefore.value});
+        return AccessibilityError::cannotComplete;
+    };
+    const auto takeBack = [&](BusError error) {
+        return takeOut(range, old, lengthBefore.value, behind.value)
+                   ? toAccessibilityError(error)
+                   : AccessibilityError::cannotComplete;
+    };
     // From here on it is finished or taken back, whatever time the questions took.
     session_.extend(BusConnection::longestCall);
-    const Insertion insertion = insert(range, old, replacement);
-    if (insertion.error != BusError::none) {
-        takeOut(range, old, lengthBefore.value, behind.value);
-        return insertion.error;
-    }
+    const Insertion insertion = insert(range, old, replacement, lengthBefore.value);
+    if (isWithoutAnswer(insertion.error))
+        return leaveUnanswered();
+    if (insertion.error != BusError::none)
+        return takeBack(insertion.error);
     const BusError erased = erase(range);
     if (isWithoutAnswer(erased))
-        return erased;
+        return leaveUnanswered(); // if it was asked it will do so, and then nothing is left
     const auto lengthNow = length();
-    if (lengthNow && lengthNow.value == lengthBefore.value + insertion.length) {
-        // It keeps its old text, for a reason of its own.
-        takeOut(range, old, lengthBefore.value, behind.value);
-        return BusError::refused;
-    }
-    if (!holds({range.begin, range.begin + insertion.length}, replacement))
-        return BusError::refused;
+    // It keeps its old text, for a reason of its own.
+    if (lengthNow && lengthNow.value == lengthBefore.value + insertion.length)
+        return takeBack(BusError::refused);
+    // An application that corrects what it is given would do the same to the old text.
+    if (!lengthNow || !holds({range.begin, range.begin + insertion.length}, replacement))
+        return AccessibilityError::cannotComplete;
     const std::u16string line = joined(replacement, following);
     placeCaret(range.begin + static_cast<std::int32_t>(
                                  lengthIn(unit(), std::u16string_view(line).substr(0, caret))));
-    return BusError::none;
+    return AccessibilityError::success;
 }
 
 AtspiText::Insertion AtspiText::insert(AtspiRange range, std::u16string_view old,
-                                       std::u16string_view text) {
+                                       std::u16string_view text, std::int32_t lengthBefore) {
     const std::string utf8 = toUtf8(text);
     // The interface counts this in bytes, and so do GTK and LibreOffice. Qt counts UTF-16 units.
     // An unknown toolkit is taken by the interface's word; what comes out is read back anyway.
     const auto toolkit = session_.toolkit(object_);
     const std::size_t size = toolkit.value == Toolkit::qt ? text.size() : utf8.size();
-    const auto lengthBefore = length();
-    if (!lengthBefore)
-        return {BusError::notAsked, 0};
     const auto inserted = session_.call<bool>(object_, atspi::editableText, "InsertText",
                                               {range.end, utf8, static_cast<std::int32_t>(size)});
-    if (inserted.error == BusError::timedOut)
-        takeOutLater(range.end, text);
     if (!inserted)
         return {inserted.error, 0};
     const auto lengthAfter = length();
-    if (!lengthAfter) {
-        takeOutLater(range.end, text);
+    if (!lengthAfter)
         return {lengthAfter.error, 0};
-    }
-    const std::int32_t growth = lengthAfter.value - lengthBefore.value;
+    const std::int32_t growth = lengthAfter.value - lengthBefore;
     const auto check = growth > 0 ? read({range.begin, range.end + growth})
                                   : BusReply<std::u16string>{BusError::refused, {}};
-    if (isWithoutAnswer(check.error))
-        takeOutLater(range.end, text);
     if (!check)
         return {check.error, 0};
     return {check.value == joined(old, text) ? BusError::none : BusError::refused, growth};
@@ -100,23 +100,43 @@ BusError AtspiText::erase(AtspiRange range) {
     return reply.error;
 }
 
-/// Takes out what an insertion behind the range brought, if all around it is as it was.
-void AtspiText::takeOut(AtspiRange range, std::u16string_view old, std::int32_t lengthBefore,
+/// Takes out what an insertion behind the range brought, if all around it is as it was. Whether
+/// the text is as it was then.
+bool AtspiText::takeOut(AtspiRange range, std::u16string_view old, std::int32_t lengthBefore,
                         std::u16string_view behind) {
     const auto lengthNow = length();
-    if (!lengthNow || lengthNow.value <= lengthBefore)
-        return;
+    if (!lengthNow || lengthNow.value < lengthBefore)
+        return false;
     const std::int32_t end = range.end + lengthNow.value - lengthBefore;
-    const auto behindEnd = end + static_cast<std::int32_t>(lengthIn(unit(), behind));
-    if (holds(range, old) && holds({end, behindEnd}, behind))
-        static_cast<void>(erase({range.end, end}));
+    const auto behindLength = static_cast<std::int32_t>(lengthIn(unit(), behind));
+    if (!holds(range, old) || !holds({end, end + behindLength}, behind))
+        return false;
+    if (end == range.end)
+        return true;
+    if (erase({range.end, end}) != BusError::none)
+        return false;
+    const auto lengthAfter = length();
+    return lengthAfter && lengthAfter.value == lengthBefore &&
+           holds({range.begin, range.end + behindLength}, joined(old, behind));
 }
 
-/// The insertion stands in the queue of an application that does not answer, and will take effect
-/// when it goes on. What stands right behind it in that queue takes it back.
-void AtspiText::takeOutLater(std::int32_t position, std::u16string_view text) {
-    const auto end = position + static_cast<std::int32_t>(lengthIn(unit(), text));
-    session_.send(object_, atspi::editableText, "DeleteText", {position, end});
+void AtspiText::takeOutUnanswered() {
+    const auto insertion = session_.unanswered(object_);
+    if (!insertion)
+        return;
+    const auto lengthNow = length();
+    if (!lengthNow)
+        return; // the application still does not answer
+    session_.forgetUnanswered();
+    const auto sizeOf = [this](std::u16string_view text) {
+        return static_cast<std::int32_t>(lengthIn(unit(), text));
+    };
+    const AtspiRange added{insertion->position, insertion->position + sizeOf(insertion->text)};
+    const AtspiRange around{added.begin - sizeOf(insertion->before),
+                            added.end + sizeOf(insertion->behind)};
+    if (lengthNow.value == insertion->lengthBefore + added.end - added.begin &&
+        holds(around, insertion->before + insertion->text + insertion->behind))
+        static_cast<void>(erase(added));
 }
 
 void AtspiText::placeCaret(std::int32_t position) {

@@ -213,13 +213,15 @@ bool BusConnection::subscribe(const std::string& rule,
 }
 
 bool BusConnection::dispatch() {
-    for (;;) {
+    constexpr int mostMessages = 256;
+    for (int message = 0; message < mostMessages; ++message) {
         const int progress = sd_bus_process(bus_->handle.get(), nullptr);
         if (progress < 0 || sd_bus_is_open(bus_->handle.get()) <= 0)
             return false;
         if (progress == 0)
-            return true;
+            break;
     }
+    return true;
 }
 
 void BusConnection::wait(std::chrono::milliseconds timeout, int wakeDescriptor) {

@@ -103,8 +103,9 @@ public:
     /// from within `dispatch`, until the connection goes. False when the bus refuses the rule.
     [[nodiscard]] bool subscribe(const std::string& rule,
                                  std::function<void(const BusSignal&)> handler);
-    /// Runs the handlers of all that has arrived, without waiting; false when the connection is
-    /// lost. Handlers may call.
+    /// Runs the handlers of what has arrived, without waiting, at most of the next 256 messages:
+    /// `wait` does not wait while there are more. False when the connection is lost. Handlers may
+    /// call.
     [[nodiscard]] bool dispatch();
     /// Waits until something arrives, `wakeDescriptor` becomes readable (-1: none) or the time is
     /// over (negative: no end).

@@ -121,73 +121,31 @@ constexpr auto terminalNames = std::to_array<std::string_view>({
 });
 static_assert(std::ranges::is_sorted(terminalNames));
 
-/// File managers and desktops, where everything selected is every file; windows that show another
-/// machine, where the keys go to whatever has the focus there; drawing surfaces and tables.
-constexpr auto noSelectAllNames = std::to_array<std::string_view>({
+/// Windows that show another machine: the keys go to whatever has the focus there, which may be a
+/// terminal.
+constexpr auto remoteNames = std::to_array<std::string_view>({
     "anydesk",
-    "blender",
-    "caja",
-    "caja-desktop",
-    "com.jgraph.drawio.desktop",
     "com.rustdesk.rustdesk",
-    "dde-file-manager",
-    "dia",
-    "dolphin",
-    "doublecmd",
-    "draw.io",
-    "drawio",
-    "eeschema",
-    "figma-linux",
-    "freecad",
-    "gimp",
-    "gimp-2.10",
     "gnome-boxes",
     "gnome-connections",
-    "gnumeric",
-    "inkscape",
-    "io.elementary.files",
-    "konqueror",
     "krdc",
-    "krita",
-    "krusader",
-    "libreoffice-calc",
-    "libreoffice-draw",
-    "libreoffice-impress",
     "looking-glass-client",
     "moonlight",
-    "nautilus",
-    "nautilus-desktop",
-    "nemo",
-    "nemo-desktop",
     "nxplayer.bin",
-    "org.freecad.freecad",
-    "org.gimp.gimp",
     "org.gnome.boxes",
     "org.gnome.connections",
-    "org.gnome.nautilus",
-    "org.inkscape.inkscape",
-    "org.kde.dolphin",
     "org.kde.krdc",
-    "org.kde.krita",
     "org.remmina.remmina",
     "parsecd",
-    "pcbnew",
-    "pcmanfm",
-    "pcmanfm-qt",
-    "peony",
     "qemu",
     "rdesktop",
     "remmina",
     "remote-viewer",
-    "rox",
     "rustdesk",
     "scrcpy",
-    "scribus",
     "sdl-freerdp",
-    "spacefm",
     "spicy",
     "teamviewer",
-    "thunar",
     "tigervnc",
     "vinagre",
     "virt-manager",
@@ -203,13 +161,61 @@ constexpr auto noSelectAllNames = std::to_array<std::string_view>({
     "wlfreerdp",
     "x2goagent",
     "xephyr",
-    "xfdesktop",
-    "xfe",
     "xfreerdp",
     "xfreerdp3",
     "xnest",
-    "xournalpp",
     "xtigervncviewer",
+});
+static_assert(std::ranges::is_sorted(remoteNames));
+
+/// File managers and desktops, where everything selected is every file; drawing surfaces and
+/// tables.
+constexpr auto noSelectAllNames = std::to_array<std::string_view>({
+    "blender",
+    "caja",
+    "caja-desktop",
+    "com.jgraph.drawio.desktop",
+    "dde-file-manager",
+    "dia",
+    "dolphin",
+    "doublecmd",
+    "draw.io",
+    "drawio",
+    "eeschema",
+    "figma-linux",
+    "freecad",
+    "gimp",
+    "gimp-2.10",
+    "gnumeric",
+    "inkscape",
+    "io.elementary.files",
+    "konqueror",
+    "krita",
+    "krusader",
+    "libreoffice-calc",
+    "libreoffice-draw",
+    "libreoffice-impress",
+    "nautilus",
+    "nautilus-desktop",
+    "nemo",
+    "nemo-desktop",
+    "org.freecad.freecad",
+    "org.gimp.gimp",
+    "org.gnome.nautilus",
+    "org.inkscape.inkscape",
+    "org.kde.dolphin",
+    "org.kde.krita",
+    "pcbnew",
+    "pcmanfm",
+    "pcmanfm-qt",
+    "peony",
+    "rox",
+    "scribus",
+    "spacefm",
+    "thunar",
+    "xfdesktop",
+    "xfe",
+    "xournalpp",
 });
 static_assert(std::ranges::is_sorted(noSelectAllNames));
 
@@ -217,13 +223,11 @@ static_assert(std::ranges::is_sorted(noSelectAllNames));
 /// which must not be rewritten as a whole where accessibility does not tell that it is one.
 constexpr auto noSelectAllCategories = std::to_array<std::string_view>({
     "AudioVideoEditing",
-    "Emulator",
     "FileManager",
     "Game",
     "Graphics",
     "IDE",
     "Presentation",
-    "RemoteAccess",
     "Spreadsheet",
     "TextEditor",
     "WordProcessor",
@@ -288,9 +292,11 @@ ApplicationKind kindOf(const Names& names, const std::vector<std::string>& categ
     };
     if (isOf("TerminalEmulator") || names.anyIn(terminalNames))
         return ApplicationKind::terminal;
+    if (isOf("RemoteAccess") || isOf("Emulator") || names.anyIn(remoteNames) ||
+        names.windowClass.starts_with("qemu") || names.executable.starts_with("qemu-system-"))
+        return ApplicationKind::terminal;
     if (isDesktopWindow || std::ranges::any_of(noSelectAllCategories, isOf) ||
-        names.anyIn(noSelectAllNames) || names.windowClass.starts_with("qemu") ||
-        names.executable.starts_with("qemu-system-"))
+        names.anyIn(noSelectAllNames))
         return ApplicationKind::noSelectAll;
     return ApplicationKind::ordinary;
 }

@@ -54,7 +54,7 @@ X11EventTap::X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap>
               if (callbacks_.onFocusChanged)
                   callbacks_.onFocusChanged();
           },
-          [this] { marks_.fencePassed(); }),
+          [this](std::uint8_t fence) { marks_.fencePassed(fence); }),
       connection_(std::move(connection)), keymap_(std::move(keymap)),
       interpreter_(loadComposeTable(keymap_->context()).get()), focus_(connection_.get()) {
     interpreter_.setKeymap(keymap_->keymap());
@@ -70,6 +70,7 @@ void X11EventTap::setEnabled(bool enabled) {
     if (enabled) {
         static_cast<void>(record_->enable());
         focus_.start();
+        gate_.handleFocusClient(focus_.client());
     } else {
         record_->disable();
         gate_.clear();
@@ -97,6 +98,7 @@ void X11EventTap::processNotices() {
         // Here and not where keys are handled: it may have to ask the server.
         interpreter_.setKeymap(keymap_->keymap());
         focus_.processReplies();
+        gate_.handleFocusClient(focus_.client());
         event.reset(xcb_poll_for_queued_event(connection_.get()));
         if (!event)
             break;
@@ -130,8 +132,16 @@ void X11EventTap::onDeviceEvent(const X11DeviceEvent& event) {
 
 void X11EventTap::onFocusEvent(const X11FocusEvent& event) {
     pendingFake_.reset();
-    if (focus_.onFocusEvent(event))
+    switch (focus_.onFocusEvent(event)) {
+    case X11FocusWatch::Change::none:
+        return;
+    case X11FocusWatch::Change::grab:
+        gate_.handleGrab();
+        return;
+    case X11FocusWatch::Change::window:
         gate_.handleWindowChange();
+        return;
+    }
 }
 
 void X11EventTap::onKeyboardGrabRequest(std::uint32_t client) {
@@ -142,9 +152,9 @@ void X11EventTap::onKeyboardGrabRequest(std::uint32_t client) {
         focus_.onKeyboardGrabRequest(client);
 }
 
-void X11EventTap::onNoOperation(std::uint32_t client) {
+void X11EventTap::onNoOperation(std::uint32_t client, std::uint8_t number) {
     if (client == marks_.markedClient.load())
-        gate_.handleFence();
+        gate_.handleFence(number);
 }
 
 void X11EventTap::deliverKey(const X11DeviceEvent& event, bool isOurs) {

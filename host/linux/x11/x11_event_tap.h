@@ -36,7 +36,7 @@ private:
     void onFakeInput(const X11FakeInput& request) override;
     void onFocusEvent(const X11FocusEvent& event) override;
     void onKeyboardGrabRequest(std::uint32_t client) override;
-    void onNoOperation(std::uint32_t client) override;
+    void onNoOperation(std::uint32_t client, std::uint8_t number) override;
 
     void processRecord();
     void processNotices();

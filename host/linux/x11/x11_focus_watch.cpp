@@ -23,7 +23,7 @@ void X11FocusWatch::start() {
     grab_ = probe_.isKeyboardGrabbed() ? Grab::foreign : Grab::none;
 }
 
-bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
+X11FocusWatch::Change X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
     switch (event.mode) {
     case XCB_NOTIFY_MODE_GRAB:
         // RECORD shows the event once for each client that wants it: the first decides.
@@ -31,20 +31,20 @@ bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
             const std::uint32_t mask = xcb_get_setup(connection_)->resource_id_mask;
             const std::uint32_t client = std::exchange(grabbingClient_, 0);
             grab_ = client != 0 && (event.window & ~mask) == client ? Grab::own : Grab::foreign;
-            return true;
+            return Change::grab;
         }
-        return false;
+        return Change::none;
     case XCB_NOTIFY_MODE_UNGRAB:
         if (event.isIn && grab_ != Grab::none) {
             grab_ = Grab::none;
             askForFocus();
-            return true;
+            return Change::grab;
         }
-        return false;
+        return Change::none;
     default:
         // The pointer that moves below the focus window changes nothing for the keyboard.
         if (event.detail == XCB_NOTIFY_DETAIL_POINTER)
-            return false;
+            return Change::none;
         // Events from within a grab have a mode of their own: one without it says the grab is over,
         // also where the end of the grab itself was told to a window that nobody watches.
         if (event.mode == XCB_NOTIFY_MODE_NORMAL)
@@ -55,8 +55,14 @@ bool X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
         return (event.detail != XCB_NOTIFY_DETAIL_ANCESTOR &&
                 event.detail != XCB_NOTIFY_DETAIL_VIRTUAL &&
                 event.detail != XCB_NOTIFY_DETAIL_INFERIOR) ||
-               isRoot(event.window);
+                       isRoot(event.window)
+                   ? Change::window
+                   : Change::none;
     }
+}
+
+std::uint32_t X11FocusWatch::client() const {
+    return followed_ & ~xcb_get_setup(connection_)->resource_id_mask;
 }
 
 bool X11FocusWatch::isRoot(xcb_window_t window) const {

@@ -20,11 +20,19 @@ public:
 
     /// Learns the present focus. Waits for the server, so only before listening starts.
     void start();
-    /// True when what has the keyboard has changed.
-    [[nodiscard]] bool onFocusEvent(const X11FocusEvent& event);
+    /// How what has the keyboard has changed.
+    enum class Change {
+        none,
+        grab, ///< a client took the keyboard or gave it back; the focus is where it was
+        window,
+    };
+    [[nodiscard]] Change onFocusEvent(const X11FocusEvent& event);
     void onKeyboardGrabRequest(std::uint32_t client) { grabbingClient_ = client; }
     /// Takes up answers that have arrived.
     void processReplies();
+    /// Resource id base of the client whose window has the focus, as far as is known; 0 before the
+    /// start, and for a window of the server's.
+    [[nodiscard]] std::uint32_t client() const;
 
     /// Another client than the focused one reads the keys now.
     [[nodiscard]] bool isKeyboardTaken() const { return grab_ == Grab::foreign; }

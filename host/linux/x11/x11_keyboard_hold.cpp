@@ -3,6 +3,8 @@
 
 #include "host/linux/x11/x11_keymap_copy.h"
 
+#include <sys/uio.h>
+#include <xcb/xcbext.h>
 #include <xcb/xinput.h>
 
 #include <algorithm>
@@ -29,6 +31,16 @@ bool isModifier(const CharacterKeys& keys, std::uint8_t keycode) {
 void awaitServer(xcb_connection_t* connection) {
     const XcbPtr<xcb_get_input_focus_reply_t> answer(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
+/// A NoOperation with a number in the byte that the protocol leaves unused.
+void sendFence(xcb_connection_t* connection, std::uint8_t number) {
+    xcb_no_operation_request_t request{.major_opcode = 0, .pad0 = number, .length = 0};
+    const xcb_protocol_request_t protocol{
+        .count = 1, .ext = nullptr, .opcode = XCB_NO_OPERATION, .isvoid = 1};
+    // The library may use the two places before the vector.
+    iovec parts[3]{{}, {}, {.iov_base = &request, .iov_len = sizeof request}};
+    xcb_send_request(connection, 0, parts + 2, &protocol);
 }
 
 } // namespace
@@ -158,15 +170,15 @@ void X11KeyboardHold::undoStickyKeys() {
 }
 
 bool X11KeyboardHold::settle() {
-    const std::uint64_t passed = poster_.marks_.fencesPassed();
+    const std::uint8_t fence = poster_.marks_.nextFence();
     {
         const std::lock_guard lock(poster_.mutex_);
-        xcb_no_operation(marked_.connection());
+        sendFence(marked_.connection(), fence);
         // RECORD keeps what it has until the server writes to some client: an answer makes it
         // write.
         static_cast<void>(marked_.synchronize());
     }
-    return poster_.marks_.waitForFenceAfter(passed, settleLimit);
+    return poster_.marks_.waitForFence(fence, settleLimit);
 }
 
 bool X11KeyboardHold::hasFocus() {

@@ -17,6 +17,11 @@ public:
     /// RECORD or XInput is there.
     [[nodiscard]] bool mayListenToEvents() override;
 
+    // An X server asks nobody: there is no prompt to show, and what it refuses stays refused until
+    // the program is started as a trusted client.
+    void requestAccessibilityTrust() override {}
+    void requestListeningToEvents() override {}
+
     /// Takes up notices, so that they do not pile up in the server.
     void processEvents();
 

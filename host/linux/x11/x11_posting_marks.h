@@ -25,22 +25,24 @@ public:
     /// keyboard.
     std::atomic<bool> userTypesThroughXTest{false};
 
-    /// The event source has come to a NoOperation of the marked client.
-    void fencePassed() {
+    /// The number for the next fence, a NoOperation of the marked client.
+    [[nodiscard]] std::uint8_t nextFence() {
         const std::lock_guard lock(mutex_);
-        ++passed_;
+        return ++sent_;
+    }
+
+    /// The event source has come to a fence, maybe one that nobody waits for any more.
+    void fencePassed(std::uint8_t fence) {
+        const std::lock_guard lock(mutex_);
+        passed_ = fence;
         changed_.notify_all();
     }
 
-    [[nodiscard]] std::uint64_t fencesPassed() {
-        const std::lock_guard lock(mutex_);
-        return passed_;
-    }
-
-    /// Waits until more than `count` fences have passed. False when the time is over before.
-    [[nodiscard]] bool waitForFenceAfter(std::uint64_t count, std::chrono::milliseconds limit) {
+    /// Waits until the last fence sent has passed. False when the time is over before. One at a
+    /// time.
+    [[nodiscard]] bool waitForFence(std::uint8_t fence, std::chrono::milliseconds limit) {
         std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, limit, [&] { return passed_ > count; });
+        return changed_.wait_for(lock, limit, [&] { return passed_ == fence; });
     }
 
     /// Called on the main thread for every key release that was not ours. Set it before listening.
@@ -49,7 +51,8 @@ public:
 private:
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::uint64_t passed_ = 0;
+    std::uint8_t sent_ = 0;   ///< wraps
+    std::uint8_t passed_ = 0; ///< the last one
 };
 
 } // namespace kelvora

@@ -214,7 +214,7 @@ void X11RecordStream::dispatchRequest(std::uint32_t client, std::span<const std:
     const auto major = static_cast<std::uint8_t>(request[0]);
     const auto minor = static_cast<std::uint8_t>(request[1]);
     if (major == XCB_NO_OPERATION) {
-        listener_.onNoOperation(client);
+        listener_.onNoOperation(client, minor);
     } else if (major == XCB_GRAB_KEYBOARD || (majors_.xinput != 0 && major == majors_.xinput &&
                                               minor == XCB_INPUT_XI_GRAB_DEVICE)) {
         listener_.onKeyboardGrabRequest(client);

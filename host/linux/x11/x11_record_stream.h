@@ -45,8 +45,9 @@ public:
     virtual void onFocusEvent(const X11FocusEvent& event) = 0;
     /// A client asked for the keyboard for itself; focus events tell whether it got it.
     virtual void onKeyboardGrabRequest(std::uint32_t client) = 0;
-    /// A client sent a NoOperation: a place in the stream that it can find again.
-    virtual void onNoOperation(std::uint32_t client) = 0;
+    /// A client sent a NoOperation: a place in the stream that it can find again, by the number
+    /// that it wrote into the request's unused byte.
+    virtual void onNoOperation(std::uint32_t client, std::uint8_t number) = 0;
 };
 
 /// The RECORD extension as one stream over two connections of its own. Main thread only.

@@ -163,7 +163,7 @@ TEST_F(ClipboardPathTest, ACopyIsATextOtherThanTheSentinel) {
     const Copies nothing = [](std::u16string_view) { return std::u16string(); };
     const Case cases[] = {
         {"late", 0.4, nullptr, u"CV"},
-        {"too late", 0.5, nullptr, u"C"},
+        {"too late", 0.6, nullptr, u"C"},
         {"the sentinel itself", 0, sentinel, u"C"},
         {"empty", 0, nothing, u"C"},
     };
@@ -172,12 +172,16 @@ TEST_F(ClipboardPathTest, ACopyIsATextOtherThanTheSentinel) {
         SCOPED_TRACE(testCase.name);
         field().copyDelay = testCase.delay;
         field().copies = testCase.copies;
+        desktop.probe.answerTime = 0;
+        // It hangs for as long as a late copy takes.
+        desktop.at(0.1, [&] { desktop.probe.answerTime = testCase.delay > 0.5 ? 9 : 0; });
         show(u"[vbh]");
-        const ConversionOutcome outcome = convert(false);
+        const ConversionOutcome outcome = convert(testCase.delay > 0.5);
         EXPECT_EQ(posted(), testCase.keys);
         EXPECT_EQ(outcome == converted,
                   result().find("selectionDetected=true") != std::string::npos);
         desktop.run();
+        EXPECT_EQ(desktop.pasteboard.contents(), users);
     }
 }
 
@@ -246,6 +250,9 @@ TEST_F(ClipboardPathTest, StopsAndRestoresWhenItsKeysOrItsTextWouldGoAstray) {
              };
          },
          u"C", false},
+        {"or when the copy was read",
+         [this] { desktop.pasteboard.onRead = [this] { desktop.pasteboard.copyText(u"x"); }; },
+         u"C", false},
     };
     for (const Case& testCase : cases) {
         SCOPED_TRACE(testCase.name);
@@ -256,6 +263,7 @@ TEST_F(ClipboardPathTest, StopsAndRestoresWhenItsKeysOrItsTextWouldGoAstray) {
         testCase.disturb();
         EXPECT_EQ(FocusedTextConverter::convertThroughClipboard(request, services(), true), noText);
         desktop.pasteboard.onCleared = nullptr;
+        desktop.pasteboard.onRead = nullptr;
         desktop.keyboard.refuses = nullptr;
         desktop.windows.setGrabbed(false);
         desktop.run();
@@ -280,6 +288,47 @@ TEST_F(ClipboardPathTest, ALateCopyOfTheSelectionIsNotTakenForTheWholeField) {
     desktop.at(0.1, [this] { desktop.probe.answerTime = 9; });
     EXPECT_EQ(convert(), noText);
     EXPECT_EQ(posted(), u"C");
+}
+
+TEST_F(ClipboardPathTest, APasteThatComesLateFindsTheConversion) {
+    field().pasteDelay = 0.9;
+    desktop.at(0.04, [this] { desktop.probe.answerTime = 9; });
+    desktop.at(1, [this] { desktop.probe.answerTime = 0; });
+    show(u"a [vbh]");
+    EXPECT_EQ(convert(), converted);
+    EXPECT_EQ(shown(), u"a [мир]");
+    EXPECT_EQ(desktop.pasteboard.contents(), users);
+}
+
+TEST_F(ClipboardPathTest, WhatIsNoTextIsNotReplaced) {
+    show(u"vbh [x]"); // an image in a document, say
+    field().copies = [](std::u16string_view) { return std::u16string(); };
+    EXPECT_EQ(convert(), noText);
+    EXPECT_EQ(posted(), u"C");
+    EXPECT_EQ(desktop.pasteboard.contents(), users);
+}
+
+TEST_F(ClipboardPathTest, KeysTypedMeanwhileDoNotReplaceTheWholeField) {
+    struct Case {
+        const char* name;
+        std::function<void()> disturb;
+        std::u16string before, after;
+    };
+    const Case cases[] = {
+        {"nothing to copy", [] {}, u" |", u" x|"},
+        {"pasteboard taken",
+         [this] { desktop.pasteboard.onRead = [this] { desktop.pasteboard.copyText(u"y"); }; },
+         u"vb|h", u"vbhx|"},
+    };
+    for (const Case& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        show(testCase.before);
+        testCase.disturb();
+        desktop.at(0.45, [this] { desktop.strike(u'x'); });
+        EXPECT_EQ(convert(), noText);
+        keyboard->end();
+        EXPECT_EQ(shown(), testCase.after);
+    }
 }
 
 TEST_F(ClipboardPathTest, WaitsForModifiersBeforeAnythingIsWritten) {

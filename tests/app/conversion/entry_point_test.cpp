@@ -35,6 +35,11 @@ TEST_F(EntryPointTest, ChoosesThePathByApplicationAndElement) {
     const View unreadable{.role = TextRole::multiLine, .hasReadableText = false};
     const View unwritable{.role = TextRole::multiLine, .replaceError = AccessibilityError::failure};
     const View label{.role = TextRole::notEditable};
+    const View unknown{
+        .role = TextRole::multiLine,
+        .readErrors = {{accessibilityAttribute::selectedText, AccessibilityError::noValue}}};
+    const View ignoring{.ignoresWrites = true};
+    const View silent{.inner = {AccessibilityError::cannotComplete, {}}};
     const View hanging{
         .readErrors = {{accessibilityAttribute::selectedText, AccessibilityError::cannotComplete}}};
     struct Case {
@@ -66,11 +71,14 @@ TEST_F(EntryPointTest, ChoosesThePathByApplicationAndElement) {
         {"compared with case", "com.figma.desktop", ordinary, {}, u"", u"vbh|", u"CACV", u"мир|"},
         {"a file manager", "a", noSelectAll, {}, u"", u"ghbdtn|", u"C", u"ghbdtn|"},
         {"a selection there", "a", noSelectAll, {}, u"", u"[vbh]", u"CVsss", u"[мир]"},
-        {"text to read", "a", ordinary, label, u"", u"ghbdtn|", u"C", u"ghbdtn|"},
+        {"text to read", "a", ordinary, label, u"", u"[ghbdtn]", u"", u"[ghbdtn]"},
         {"a document", "a", ordinary, document, u"", u"ok ghb|dtn vbh", u"", u"ok при|вет vbh"},
         {"no word there", "a", ordinary, document, u"", u"ok\n|vbh", u"", u"ok\n|vbh"},
-        {"one that cannot be read", "a", ordinary, unreadable, u"", u"vbh|", u"C", u"vbh|"},
-        {"or not be written", "a", ordinary, unwritable, u"", u"vbh|", u"C", u"vbh|"},
+        {"one that cannot be read", "a", ordinary, unreadable, u"", u"vbh|", u"", u"vbh|"},
+        {"or not be written", "a", ordinary, unwritable, u"", u"vbh|", u"", u"vbh|"},
+        {"nor its selection", "a", ordinary, unknown, u"", u"vbh|", u"C", u"vbh|"},
+        {"a write without effect", "a", ordinary, ignoring, u"", u"[vbh]", u"CVsss", u"[мир]"},
+        {"a look-up that hangs", "a", ordinary, silent, u"", u"vbh|", u"", u"vbh|"},
         {"an application that hangs", "a", ordinary, hanging, u"", u"vbh|", u"", u"vbh|"},
     };
     for (const Case& testCase : cases) {
@@ -154,6 +162,8 @@ TEST_F(EntryPointTest, NothingIsTouchedWhereItMayBeTheWrongText) {
         {"the same without an element", false, [this] { request.textAtTrigger = u"4"; }},
         {"a pasteboard that cannot be saved", false,
          [this] { desktop.pasteboard.isOwnerHanging = true; }},
+        {"a user who types while the pasteboard is saved", false,
+         [this] { desktop.pasteboard.onSaving = [this] { desktop.strike(u'x'); }; }},
         {"an application that does not answer", false, [this] { desktop.probe.answerTime = 9; }},
     };
     for (const Case& testCase : cases) {
@@ -161,6 +171,7 @@ TEST_F(EntryPointTest, NothingIsTouchedWhereItMayBeTheWrongText) {
         desktop.windows.setGrabbed(false);
         desktop.keyboard.canSettle = true;
         desktop.pasteboard.isOwnerHanging = false;
+        desktop.pasteboard.onSaving = nullptr;
         request.textAtTrigger = std::nullopt;
         request.typedText->replace(request.typedText->text(), u"42");
         desktop.accessibility.views.clear();

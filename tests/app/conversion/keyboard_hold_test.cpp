@@ -165,13 +165,16 @@ TEST_F(KeyboardHoldTest, AFullBufferThatDropsItsOldestForAKeySinceTheTrigger) {
 
 TEST_F(KeyboardHoldTest, LayoutIsSwitchedBeforeTheKeysAndTheStatusComesLast) {
     int statuses = 0;
-    app->model().onStatusChanged = [&](std::string_view) {
+    const auto observation = app->model().observe([&](AppModelProperty property) {
+        if (property != AppModelProperty::statusMessage) {
+            return;
+        }
         ++statuses;
         EXPECT_EQ(desktop.layouts.activeID, "ru");
         EXPECT_EQ(text(), u"приветй");
         EXPECT_FALSE(desktop.keyboard.isHeldBack());
         EXPECT_FALSE(app->conversionInProgress());
-    };
+    });
     desktop.type(u"ghbdtn");
     desktop.doubleShift();
     desktop.at(0.05, [this] { desktop.strike(u'q'); });

@@ -18,8 +18,8 @@ TEST_F(ConversionTest, WordIsRepairedAndTheLayoutSwitched) {
     EXPECT_EQ(text(), u"привет");
     EXPECT_EQ(desktop.layouts.activeID, "ru");
     EXPECT_EQ(status(), success);
-    EXPECT_EQ(app->model().doubleTapCount, 1);
-    EXPECT_EQ(app->model().shiftEventCount, 4);
+    EXPECT_EQ(app->model().doubleTapCount(), 1);
+    EXPECT_EQ(app->model().shiftEventCount(), 4);
     EXPECT_EQ(
         desktop.log.messages("Conversion", LogLevel::info),
         (std::vector<std::string>{
@@ -46,7 +46,7 @@ TEST_F(ConversionTest, TriggerDuringAConversionIsLoggedAndDropped) {
         app->hotkey().onTrigger();
     });
     desktop.run();
-    EXPECT_EQ(app->model().doubleTapCount, 2);
+    EXPECT_EQ(app->model().doubleTapCount(), 2);
     EXPECT_EQ(errors(), (std::vector<std::string>{"performConversion skipped: inProgress=true, "
                                                   "isEnabled=true, accessibility=true"}));
     EXPECT_EQ(text(), u"привет");
@@ -58,6 +58,7 @@ TEST_F(ConversionTest, RefusedWithoutAChangeOfTheStatus) {
     app->model().setIsEnabled(false);
     app->hotkey().onTrigger(); // one that was on its way when the switch was turned off
     desktop.run();
+    desktop.defaults.values.clear();
     desktop.permissions.accessibility = false;
     launch();
     app->hotkey().onTrigger();

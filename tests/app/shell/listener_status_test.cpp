@@ -31,6 +31,7 @@ TEST_F(ListenerStatusTest, SaysWhatTheListenerDoes) {
     for (const Case& testCase : cases) {
         SCOPED_TRACE(testCase.name);
         app.reset();
+        desktop.defaults.values.clear();
         desktop.permissions.accessibility = testCase.accessibility;
         desktop.events.tapSupport = testCase.tap;
         desktop.events.hasGlobalMonitors = testCase.global;
@@ -47,14 +48,18 @@ TEST_F(ListenerStatusTest, SaysWhatTheListenerDoes) {
 
 TEST_F(ListenerStatusTest, SwitchingOffStopsAndSwitchingOnStarts) {
     std::vector<std::string> announced;
-    app->model().onStatusChanged = [&](std::string_view text) { announced.emplace_back(text); };
+    const auto observation = app->model().observe([&](AppModelProperty property) {
+        if (property == AppModelProperty::hotkeyStatus) {
+            announced.push_back(app->model().hotkeyStatus());
+        }
+    });
     desktop.type(u"ghbdtn");
     app->model().setIsEnabled(false);
     EXPECT_EQ(desktop.events.tapCount(), 0U);
     app->model().setIsEnabled(false);
     desktop.doubleShift();
     desktop.run();
-    EXPECT_EQ(app->model().doubleTapCount, 0);
+    EXPECT_EQ(app->model().doubleTapCount(), 0);
     app->model().setIsEnabled(true);
     EXPECT_EQ(desktop.events.tapCount(), 1U);
     app->applySettings();
@@ -66,10 +71,10 @@ TEST_F(ListenerStatusTest, SwitchingOffStopsAndSwitchingOnStarts) {
 TEST_F(ListenerStatusTest, SensitivityReachesTheDetector) {
     app->model().setSensitivity(0.05);
     typeAndConvert(u"ghbdtn");
-    EXPECT_EQ(app->model().doubleTapCount, 0);
+    EXPECT_EQ(app->model().doubleTapCount(), 0);
     app->model().setSensitivity(0.1);
     typeAndConvert(u"");
-    EXPECT_EQ(app->model().doubleTapCount, 1);
+    EXPECT_EQ(app->model().doubleTapCount(), 1);
     EXPECT_EQ(text(), u"привет") << "applying settings does not disturb a running listener";
 }
 

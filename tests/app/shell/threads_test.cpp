@@ -115,9 +115,12 @@ TEST(Threads, ConversionRunsBesideTheMainThread) {
         const Desktop all = desktop.services();
         AppDelegate app({dispatch, all.log, all.eventSource, poster, all.inputSources,
                          all.keyTranslator, all.workspace, all.permissions, all.accessibility,
-                         all.pasteboard, all.applicationProbe});
+                         all.pasteboard, all.applicationProbe},
+                        desktop.session());
         app.launch();
-        app.model().onStatusChanged = [&](std::string_view) { ++finished; };
+        const auto observation = app.model().observe([&](AppModelProperty property) {
+            finished += property == AppModelProperty::statusMessage ? 1 : 0;
+        });
         for (std::uint64_t step = 0; step < 40; ++step) {
             desktop.type(u"ghbdtn");
             app.hotkey().onTrigger();

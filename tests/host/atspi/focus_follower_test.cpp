@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/atspi/atspi_connection.h"
 #include "host/linux/atspi/atspi_focus_follower.h"
+#include "host/linux/atspi/atspi_focus_tracker.h"
 #include "tests/host/x11/poll_loop.h"
 #include "tests/support/real_desktop/real_desktop.h"
 #include "tests/support/real_desktop/wait_until.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <string>
@@ -53,6 +55,22 @@ protected:
     std::unique_ptr<AtspiFocusFollower> follower_;
 };
 
+TEST(AtspiFocusTracker, TakesUpAnApplicationThatTellsOfNoWindows) {
+    const AtspiReference window{":1.1", "/window"};
+    const AtspiReference field{":1.2", "/field"};
+    const AtspiObjectKind secret{.isText = true, .isSecret = true};
+
+    AtspiFocusTracker tracker;
+    tracker.windowActivated(window);
+    tracker.focusGained(field, secret);
+    EXPECT_EQ(tracker.report().secrecy, FocusSecrecy::ordinary) << "it is in the background";
+    tracker.windowDeactivated(window);
+    EXPECT_EQ(tracker.report().secrecy, FocusSecrecy::secret) << "its focus was told first";
+    tracker.windowActivated(window);
+    tracker.windowDeactivated(window);
+    EXPECT_EQ(tracker.report().secrecy, FocusSecrecy::ordinary) << "what it had long ago";
+}
+
 TEST_F(FocusFollower, FindsWhatHadTheFocusBeforeItBegan) {
     const auto program = start(KELVORA_FIELDS_GTK4, "password");
     ASSERT_TRUE(isFollowed(*program));
@@ -61,6 +79,7 @@ TEST_F(FocusFollower, FindsWhatHadTheFocusBeforeItBegan) {
     reports_.clear();
     EXPECT_TRUE(isFollowed(*program));
     EXPECT_TRUE(becomes([&] { return reports_.back() == FocusSecrecy::secret; }));
+    EXPECT_EQ(std::ranges::count(reports_, FocusSecrecy::ordinary), 0) << "not even at first";
 }
 
 TEST_F(FocusFollower, GoesOnPastAnApplicationThatHangs) {

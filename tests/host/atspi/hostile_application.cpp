@@ -16,6 +16,8 @@ namespace kelvora {
 namespace {
 
 constexpr std::uint32_t textRole = 61;
+constexpr std::uint32_t paragraphRole = 73;
+constexpr int halvingEnd = 10'000;
 
 std::string encoded(const std::u32string& text) {
     std::u16string units;
@@ -71,6 +73,18 @@ std::u32string HostileApplication::text() const {
     return text_;
 }
 
+void HostileApplication::setText(std::u32string text) {
+    const std::lock_guard guard(mutex_);
+    text_ = std::move(text);
+}
+
+void HostileApplication::select(int begin, int end) {
+    const std::lock_guard guard(mutex_);
+    selectionBegin_ = begin;
+    selectionEnd_ = caret_ = end;
+    isSelectedAround_ = begin == end;
+}
+
 void HostileApplication::run() {
     constexpr std::uint64_t shortWait = 2000;
     while (!isEnding_) {
@@ -92,27 +106,37 @@ int HostileApplication::serve(sd_bus_message* message) {
     if (member == "InsertText" || member == "DeleteText")
         return edit(message, member == "InsertText");
     const std::lock_guard guard(mutex_);
+    const bool isNeighbour = object_.path != sd_bus_message_get_path(message);
+    const bool hasMarks = misdeed_ < Misdeed::hasNoMarks;
     if (member == "Get") {
         const char* interface = nullptr;
         const char* name = nullptr;
         sd_bus_message_read(message, "ss", &interface, &name);
         const std::string property = name;
         if (property == "ToolkitName")
-            return sd_bus_reply_method_return(message, "v", "s", "none known");
+            return sd_bus_reply_method_return(message, "v", "s", hasMarks ? "none known" : "GTK");
+        if (property == "Parent")
+            return sd_bus_reply_method_return(message, "v", "(so)", object_.busName.c_str(), "/");
         return sd_bus_reply_method_return(
             message, "v", "i", property == "CaretOffset" ? caret_ : static_cast<int>(text_.size()));
     }
     if (member == "GetRole")
-        return sd_bus_reply_method_return(message, "u", textRole);
+        return sd_bus_reply_method_return(message, "u", hasMarks ? paragraphRole : textRole);
+    if (member == "GetIndexInParent")
+        return sd_bus_reply_method_return(message, "i", 1);
+    if (member == "GetChildAtIndex")
+        return sd_bus_reply_method_return(message, "(so)", object_.busName.c_str(), "/neighbour");
     if (member == "GetState")
-        return sd_bus_reply_method_return(message, "au", 2U,
-                                          1U << 7U | 1U << 8U | 1U << 12U | 1U << 17U, 0U);
+        return sd_bus_reply_method_return(
+            message, "au", 2U, 1U << 7U | 1U << 8U | 1U << 12U | (hasMarks ? 1U << 17U : 0U), 0U);
     if (member == "GetInterfaces")
         return sd_bus_reply_method_return(message, "as", 2, atspi::text, atspi::editableText);
     if (member == "GetApplication")
         return sd_bus_reply_method_return(message, "(so)", object_.busName.c_str(), "/");
     if (member == "GetNSelections")
-        return sd_bus_reply_method_return(message, "i", selectionEnd_ > selectionBegin_ ? 1 : 0);
+        return sd_bus_reply_method_return(
+            message, "i",
+            isNeighbour ? isSelectedAround_ : static_cast<int>(selectionEnd_ > selectionBegin_));
     if (member == "GetSelection")
         return sd_bus_reply_method_return(message, "ii", selectionBegin_, selectionEnd_);
     if (member == "RemoveSelection" || member == "SetCaretOffset") {
@@ -125,6 +149,9 @@ int HostileApplication::serve(sd_bus_message* message) {
         int begin = 0;
         int end = 0;
         sd_bus_message_read(message, "ii", &begin, &end);
+        if (misdeed_ == Misdeed::refusesToRead ||
+            (misdeed_ == Misdeed::refusesHalves && end == halvingEnd))
+            return sd_bus_reply_method_errorf(message, "org.example.No", "no");
         const auto size = static_cast<int>(text_.size());
         begin = std::clamp(begin, 0, size);
         end = std::clamp(end, begin, size);
@@ -144,6 +171,8 @@ int HostileApplication::edit(sd_bus_message* message, bool isInsertion) {
             stop();
         if (misdeed_ != Misdeed::ignoresDeletion || first != selectionBegin_)
             erase(first, end);
+        if (misdeed_ == Misdeed::correctsAtDeletion)
+            insert(first, U"#");
         return sd_bus_reply_method_return(message, "b", 1);
     }
     const char* utf8 = nullptr;
@@ -168,12 +197,23 @@ int HostileApplication::edit(sd_bus_message* message, bool isInsertion) {
     case Misdeed::stopsAtInsertion:
         stop();
         break;
+    case Misdeed::stopsAndRefuses:
+        stop();
+        return sd_bus_reply_method_errorf(message, "org.example.No", "no");
+    case Misdeed::stopsAndCuts:
+        stop();
+        added.resize(2);
+        break;
     case Misdeed::isTypedInto:
         erase(selectionBegin_, selectionEnd_);
         insert(selectionBegin_, U"z");
         break;
     case Misdeed::none:
     case Misdeed::ignoresDeletion:
+    case Misdeed::correctsAtDeletion:
+    case Misdeed::hasNoMarks:
+    case Misdeed::refusesHalves:
+    case Misdeed::refusesToRead:
     case Misdeed::stopsAfterInsertion:
     case Misdeed::stopsAtDeletion:
         break;

@@ -25,14 +25,21 @@ enum class Misdeed {
     padsInsertion,       ///< one character more
     altersInsertion,     ///< other characters
     ignoresDeletion,     ///< says that it has done it
+    correctsAtDeletion,  ///< what was put in before
     stopsAtInsertion,    ///< answers nothing from there on until `goOn`
     stopsAfterInsertion, ///< has done it, then the same
+    stopsAndRefuses,     ///< the insertion, when it goes on
+    stopsAndCuts,
     stopsAtDeletion,
-    isTypedInto, ///< its user replaces the selection just before
+    isTypedInto,   ///< its user replaces the selection just before
+    hasNoMarks,    ///< for one line or for many, as all of its toolkit
+    refusesHalves, ///< has no marks, and does not give the first 10,000: that would halve one
+    refusesToRead, ///< has no marks, and gives no text
 };
 
 /// An accessibility bus with one application on it, whose one text counts code points: "one two
-/// three" with "two" selected. It is this process's accessibility bus while it exists.
+/// three" with "two" selected; it is a paragraph between two others. It is this process's
+/// accessibility bus while it exists.
 class HostileApplication {
 public:
     explicit HostileApplication(Misdeed misdeed);
@@ -44,6 +51,9 @@ public:
     /// Does all that it was asked to meanwhile.
     void goOn() { isStopped_ = false; }
     [[nodiscard]] std::u32string text() const;
+    void setText(std::u32string text);
+    /// With the caret at the end. Empty: what is selected is in both neighbours.
+    void select(int begin, int end);
     /// Calls that wait for an answer, so far.
     [[nodiscard]] int callCount() const { return callCount_; }
 
@@ -69,6 +79,7 @@ private:
     int selectionBegin_ = 4;
     int selectionEnd_ = 7;
     int caret_ = 7;
+    int isSelectedAround_ = 0;
     std::thread thread_;
 };
 

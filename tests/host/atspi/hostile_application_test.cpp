@@ -14,22 +14,29 @@ using namespace accessibilityAttribute;
 TEST(HostileApplications, GetTheTextConvertedOrAsItWas) {
     const std::u32string asItWas = U"one two three";
     const std::u32string converted = U"one ецщщ three";
+    constexpr auto failure = AccessibilityError::failure;
+    constexpr auto cannotComplete = AccessibilityError::cannotComplete;
     struct {
         const char* name;
         Misdeed misdeed;
         AccessibilityError error;
-        std::u32string text; ///< once it has done all that it was asked to
+        std::u32string text;    ///< once it has done all that it was asked to
+        std::u32string asked{}; ///< the same of one that stopped, when it was asked again
     } const cases[] = {
         {"none", Misdeed::none, AccessibilityError::success, converted},
-        {"refuses", Misdeed::refusesInsertion, AccessibilityError::failure, asItWas},
-        {"ignores", Misdeed::ignoresInsertion, AccessibilityError::failure, asItWas},
-        {"cuts", Misdeed::cutsInsertion, AccessibilityError::failure, asItWas},
-        {"pads", Misdeed::padsInsertion, AccessibilityError::failure, asItWas},
-        {"alters", Misdeed::altersInsertion, AccessibilityError::failure, asItWas},
-        {"ignores the deletion", Misdeed::ignoresDeletion, AccessibilityError::failure, asItWas},
-        {"stops", Misdeed::stopsAtInsertion, AccessibilityError::cannotComplete, asItWas},
-        {"stops then", Misdeed::stopsAfterInsertion, AccessibilityError::cannotComplete, asItWas},
-        {"stops late", Misdeed::stopsAtDeletion, AccessibilityError::cannotComplete, converted},
+        {"refuses", Misdeed::refusesInsertion, failure, asItWas},
+        {"ignores", Misdeed::ignoresInsertion, failure, asItWas},
+        {"cuts", Misdeed::cutsInsertion, failure, asItWas},
+        {"pads", Misdeed::padsInsertion, failure, asItWas},
+        {"alters", Misdeed::altersInsertion, failure, asItWas},
+        {"ignores the deletion", Misdeed::ignoresDeletion, failure, asItWas},
+        {"corrects", Misdeed::correctsAtDeletion, cannotComplete, U"one #ецщщ three"},
+        {"stops", Misdeed::stopsAtInsertion, cannotComplete, U"one twoецщщ three", asItWas},
+        {"stops then", Misdeed::stopsAfterInsertion, cannotComplete, U"one twoецщщ three", asItWas},
+        {"stops, refuses", Misdeed::stopsAndRefuses, cannotComplete, asItWas, asItWas},
+        {"stops, cuts", Misdeed::stopsAndCuts, cannotComplete, U"one twoец three",
+         U"one twoец three"},
+        {"stops late", Misdeed::stopsAtDeletion, cannotComplete, converted, converted},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.name);
@@ -40,10 +47,11 @@ TEST(HostileApplications, GetTheTextConvertedOrAsItWas) {
 
         // One that does not answer is not asked again.
         const int calls = application.callCount();
-        if (each.error == AccessibilityError::cannotComplete) {
-            EXPECT_EQ(element.copyAttributeValue(value).error, AccessibilityError::cannotComplete);
+        const bool hasStopped = !each.asked.empty();
+        if (hasStopped) {
+            EXPECT_EQ(element.copyAttributeValue(value).error, cannotComplete);
             EXPECT_EQ(element.setAttributeValue(selectedText, std::u16string(u"x")),
-                      AccessibilityError::cannotComplete);
+                      cannotComplete);
         }
         application.goOn();
         EXPECT_TRUE(real::waitUntil([&] { return application.text() == each.text; }));
@@ -51,6 +59,11 @@ TEST(HostileApplications, GetTheTextConvertedOrAsItWas) {
                                     std::chrono::milliseconds(50)));
         EXPECT_LE(application.callCount(),
                   calls + (each.misdeed == Misdeed::stopsAfterInsertion ? 1 : 0));
+        if (hasStopped) {
+            EXPECT_TRUE(real::waitUntil(
+                [&] { return element.copyAttributeValue(selectedText).error != cannotComplete; }));
+            EXPECT_EQ(application.text(), each.asked);
+        }
     }
 }
 
@@ -58,10 +71,48 @@ TEST(HostileApplications, LoseNothingThatTheirUserTypedMeanwhile) {
     HostileApplication application(Misdeed::isTypedInto);
     AtspiElement element(std::make_shared<AtspiSession>(), application.object());
     EXPECT_EQ(element.setAttributeValue(selectedText, std::u16string(u"ецщ")),
-              AccessibilityError::failure);
+              AccessibilityError::cannotComplete);
     std::u32string text = application.text();
     std::erase_if(text, [](char32_t scalar) { return scalar > 0x400; });
     EXPECT_EQ(text, U"one z three");
+}
+
+TEST(HostileApplications, GetNothingInPlaceOfAnotherSelection) {
+    HostileApplication application(Misdeed::none);
+    AtspiElement element(std::make_shared<AtspiSession>(), application.object());
+    EXPECT_EQ(element.copyAttributeValue(selectedText).error, AccessibilityError::success);
+    application.select(0, 3);
+    EXPECT_EQ(element.setAttributeValue(selectedText, std::u16string(u"ецщ")),
+              AccessibilityError::failure);
+    for (const int caret : {0, 5, 13}) {
+        SCOPED_TRACE(caret);
+        application.select(caret, caret);
+        const bool isInside = caret == 5;
+        EXPECT_EQ(element.copyAttributeValue(selectedText).error,
+                  isInside ? AccessibilityError::success
+                           : AccessibilityError::attributeUnsupported);
+        EXPECT_EQ(element.textAroundCaret(100).has_value(), isInside);
+    }
+    EXPECT_EQ(application.text(), U"one two three");
+}
+
+TEST(HostileApplications, AreDocumentsUnlessTheirTextIsSeenToHaveOneLine) {
+    struct {
+        Misdeed misdeed;
+        std::u32string text;
+        TextRole role;
+    } const cases[] = {
+        {Misdeed::hasNoMarks, U"one", TextRole::singleLine},
+        {Misdeed::hasNoMarks, U"one\ntwo", TextRole::multiLine},
+        {Misdeed::refusesToRead, U"one", TextRole::multiLine},
+        {Misdeed::refusesHalves, std::u32string(10'001, U'a'), TextRole::singleLine},
+    };
+    for (const auto& each : cases) {
+        HostileApplication application(each.misdeed);
+        application.setText(each.text);
+        AtspiElement element(std::make_shared<AtspiSession>(), application.object());
+        EXPECT_EQ(element.role(), each.role) << static_cast<int>(each.misdeed);
+    }
 }
 
 TEST(HostileApplications, AreSentNoTextThatTheBusCannotCarry) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <fstream>
 
 namespace kelvora {
@@ -107,6 +109,20 @@ TEST_F(OptIn, WithoutAPlaceForTheRecordNothingIsSwitched) {
         optIn.request();
     }
     EXPECT_FALSE(isOn());
+}
+
+TEST_F(OptIn, WithoutADescriptorToEndOnNothingIsSwitched) {
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit none{0, usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    {
+        AtspiOptIn optIn(state_);
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+        optIn.request();
+    }
+    EXPECT_FALSE(isOn());
+    EXPECT_FALSE(hasRecord());
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/atspi/atspi_focus_follower.h"
+#include "host/linux/secure_entry_gate.h"
+#include "host/linux/x11/x11_connection.h"
 #include "host/linux/x11/x11_event_source.h"
 #include "tests/host/x11/poll_loop.h"
 #include "tests/support/real_desktop/real_desktop.h"
@@ -97,6 +99,22 @@ protected:
         while (done.wait_for(0s) != std::future_status::ready)
             loop_.turn(1ms);
     }
+    /// As a menu does, or a window manager while a key is down.
+    void grabForAMoment() {
+        const XcbConnectionPtr connection =
+            connectX11(desktop_.environment().at("DISPLAY").c_str());
+        ASSERT_TRUE(connection);
+        const xcb_window_t root =
+            xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data->root;
+        const XcbPtr<xcb_grab_keyboard_reply_t> reply(
+            xcb_grab_keyboard_reply(connection.get(),
+                                    xcb_grab_keyboard(connection.get(), 0, root, XCB_CURRENT_TIME,
+                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                    nullptr));
+        ASSERT_TRUE(reply);
+        ASSERT_EQ(reply->status, XCB_GRAB_STATUS_SUCCESS);
+        rest(100ms);
+    }
     void goToPassword(real::Keyboard& keyboard) {
         for (int tab = 0; tab < GetParam().tabs; ++tab)
             keyboard.tapNamed("Tab");
@@ -106,7 +124,7 @@ protected:
             keyboard.chord("Shift_L+Tab");
     }
     std::string takeSeen() {
-        rest(200ms);
+        rest(SecureEntryGate::longestPending + 200ms);
         std::string letters;
         for (const char letter : std::exchange(seen_, {}))
             if (std::isalpha(static_cast<unsigned char>(letter)) != 0)
@@ -153,6 +171,10 @@ TEST_P(SecretFields, AreTypedIntoUnseen) {
         });
         rest(200ms);
         EXPECT_EQ(seen_, "") << "not even Shift";
+        grabForAMoment();
+        rest(SecureEntryGate::longestSilence + 200ms);
+        meanwhile([](real::Keyboard& keyboard) { keyboard.type("too"); });
+        EXPECT_EQ(takeSeen(), "") << "after a menu was open";
         meanwhile([this](real::Keyboard& keyboard) {
             goBack(keyboard);
             keyboard.type("cd");

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_posting_marks.h"
 #include "tests/host/x11/x11_rig.h"
 #include "tests/support/real_desktop/keyboard_state.h"
 
@@ -193,6 +194,16 @@ TEST_P(X11Hold, KeyboardTakenForGoodGetsNothing) {
     end();
     EXPECT_EQ(rig.text(), u"qab");
     EXPECT_TRUE(rig.otherText().empty());
+}
+
+TEST(X11PostingMarks, WaitForTheirOwnFence) {
+    X11PostingMarks marks;
+    const std::uint8_t late = marks.nextFence();
+    const std::uint8_t fence = marks.nextFence();
+    marks.fencePassed(late);
+    EXPECT_FALSE(marks.waitForFence(fence, std::chrono::milliseconds(0)));
+    marks.fencePassed(fence);
+    EXPECT_TRUE(marks.waitForFence(fence, std::chrono::milliseconds(0)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, X11Hold,

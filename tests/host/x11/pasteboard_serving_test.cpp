@@ -2,6 +2,7 @@
 #include "tests/host/x11/pasteboard_fixture.h"
 #include "tests/support/real_desktop/wait_until.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <future>
@@ -52,6 +53,25 @@ public:
         xcb_change_property(client_->connection(), XCB_PROP_MODE_REPLACE, client_->window(),
                             atom(property), atom("ATOM_PAIR"), 32,
                             static_cast<std::uint32_t>(atoms.size()), atoms.data());
+    }
+    /// The bytes that it gets; absent when it is refused.
+    [[nodiscard]] std::optional<std::string> get(std::string_view target) {
+        ask(target, "GET");
+        if (answer() != "GET")
+            return std::nullopt;
+        return value("GET");
+    }
+    [[nodiscard]] bool isOffered(std::string_view target) {
+        const std::string list = get("TARGETS").value_or("");
+        std::vector<xcb_atom_t> targets(list.size() / sizeof(xcb_atom_t));
+        std::memcpy(targets.data(), list.data(), list.size());
+        return std::ranges::find(targets, atom(target)) != targets.end();
+    }
+    void takeFocus() {
+        xcb_map_window(client_->connection(), client_->window());
+        xcb_set_input_focus(client_->connection(), XCB_INPUT_FOCUS_NONE, client_->window(),
+                            XCB_CURRENT_TIME);
+        static_cast<void>(client_->selectionOwner(XCB_ATOM_PRIMARY)); // it is done then
     }
     static ClipboardClient::Clock::time_point deadline() {
         return ClipboardClient::Clock::now() + real::defaultDeadline;
@@ -121,6 +141,56 @@ TEST_F(X11PasteboardServing, RequestsAreAnsweredAsTheProtocolSays) {
     EXPECT_EQ(atoms[5], xcb_atom_t{XCB_ATOM_NONE});
 }
 
+TEST_F(X11PasteboardServing, WhatIsThereForAMomentIsHiddenFromWhoeverFetchesUnasked) {
+    Requestor application(server), manager(server), poller(server), helper(server);
+    application.takeFocus();
+    const auto board = open();
+    const auto begin = [&](std::u16string_view text) {
+        board->clearContents();
+        EXPECT_TRUE(write(*board, text));
+    };
+    const auto restore = [&] {
+        const auto kept = std::make_shared<const std::vector<std::byte>>(4, std::byte{'k'});
+        board->restore({{{{"UTF8_STRING", "8 UTF8_STRING", kept}}}});
+    };
+    const auto fetch = [](Requestor& requestor) { return requestor.get("UTF8_STRING"); };
+
+    begin(u"1");
+    EXPECT_EQ(fetch(manager), "1") << "nothing is known of it";
+    EXPECT_EQ(fetch(application), "1");
+    restore();
+    EXPECT_EQ(fetch(poller), "kkkk");
+    EXPECT_EQ(fetch(application), "kkkk");
+    EXPECT_TRUE(helper.isOffered("UTF8_STRING"));
+
+    begin(u"2");
+    EXPECT_EQ(fetch(manager), std::nullopt) << "it had got what the application pasted";
+    EXPECT_EQ(fetch(poller), std::nullopt) << "it had got what was restored";
+    EXPECT_EQ(manager.get("TEXT"), std::nullopt);
+    EXPECT_FALSE(manager.isOffered("UTF8_STRING"));
+    EXPECT_TRUE(manager.isOffered("x-kde-passwordManagerHint"));
+    EXPECT_EQ(fetch(application), "2");
+    poller.takeFocus();
+    EXPECT_EQ(fetch(poller), "2") << "somebody pastes there";
+    application.takeFocus();
+    restore();
+
+    begin(u"3");
+    EXPECT_EQ(fetch(manager), std::nullopt);
+    EXPECT_EQ(fetch(helper), "3") << "for the application, which does not fetch it";
+    restore();
+    begin(u"4");
+    EXPECT_EQ(fetch(helper), "4");
+    EXPECT_EQ(fetch(manager), "4") << "it may be such a helper, too";
+
+    board->clearContents();
+    EXPECT_TRUE(board->setMarker(u"marker"));
+    EXPECT_EQ(fetch(application), std::nullopt);
+    EXPECT_FALSE(application.isOffered("STRING"));
+    EXPECT_TRUE(application.isOffered("application/x-kelvora-marker"));
+    EXPECT_EQ(application.get("application/x-kelvora-marker"), "");
+}
+
 TEST_F(X11PasteboardServing, RequestorsThatHangHoldUpNobody) {
     const auto board = open();
     const std::string large = largeText(3'000'000);
@@ -139,7 +209,8 @@ TEST_F(X11PasteboardServing, RequestorsThatHangHoldUpNobody) {
         Requestor gone(server);
         gone.ask("UTF8_STRING", "P");
     }
-    EXPECT_EQ(read(*open()), toUtf16(large));
+    // However busy the machine is.
+    EXPECT_EQ(read(*open({.text = real::defaultDeadline})), toUtf16(large));
 
     Requestor slow(server);
     slow.ask("UTF8_STRING", "P");

@@ -62,6 +62,23 @@ TEST_P(PasteboardContract, WhatIsWrittenIsThereForEverybody) {
     });
 }
 
+TEST_P(PasteboardContract, AMarkerIsThereForNobodyElse) {
+    rig->onWorker([&] {
+        EXPECT_FALSE(board.setMarker(u"not ours yet"));
+        const std::int64_t ours = board.clearContents();
+        EXPECT_TRUE(board.setMarker(u"marker"));
+        EXPECT_EQ(read(), u"marker");
+        EXPECT_EQ(rig->pasteElsewhere(), std::nullopt);
+        EXPECT_TRUE(write(u"text"));
+        EXPECT_EQ(read(), u"text");
+        EXPECT_EQ(rig->pasteElsewhere(), u"text");
+        EXPECT_TRUE(board.setMarker(u"marker"));
+        rig->copyElsewhere(u"marker"); // by chance: nobody can have got it from us
+        EXPECT_EQ(board.changeCount(), ours + 1);
+        EXPECT_EQ(rig->pasteElsewhere(), u"marker");
+    });
+}
+
 TEST_P(PasteboardContract, AnothersCopyIsCountedAndTakesThePasteboard) {
     rig->onWorker([&] {
         const std::int64_t ours = board.clearContents();

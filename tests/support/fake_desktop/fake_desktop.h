@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/desktop.h"
+#include "host/session_services.h"
 #include "tests/support/fake_desktop/accessibility.h"
 #include "tests/support/fake_desktop/event_hub.h"
 #include "tests/support/fake_desktop/keyboard.h"
@@ -9,6 +10,7 @@
 #include "tests/support/fake_desktop/pasteboard.h"
 #include "tests/support/fake_desktop/recording_log.h"
 #include "tests/support/fake_desktop/scheduler.h"
+#include "tests/support/fake_desktop/session.h"
 #include "tests/support/fake_desktop/windows.h"
 
 #include <algorithm>
@@ -16,14 +18,6 @@
 #include <string_view>
 
 namespace kelvora::fake {
-
-class GrantedPermissions final : public Permissions {
-public:
-    bool accessibility = true;
-
-    [[nodiscard]] bool isAccessibilityTrusted() override { return accessibility; }
-    [[nodiscard]] bool mayListenToEvents() override { return true; }
-};
 
 class Probe final : public ApplicationProbe {
 public:
@@ -59,10 +53,15 @@ public:
     Windows windows{pasteboard, scheduler};
     Accessibility accessibility{windows, scheduler};
     Keyboard keyboard{scheduler, events, layouts, windows};
-    GrantedPermissions permissions;
     Probe probe{scheduler};
+    SessionCalls sessionCalls;
+    Permissions permissions{sessionCalls};
+    Defaults defaults{sessionCalls};
+    Login login;
+    Addresses addresses{sessionCalls};
 
     [[nodiscard]] Desktop services();
+    [[nodiscard]] SessionServices session() { return {scheduler, defaults, login, addresses}; }
 
     // What the user does, taking a user's time. Labels are those of a US board, whatever the active
     // layout makes of the keys.

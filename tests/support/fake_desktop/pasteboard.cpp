@@ -24,6 +24,7 @@ PasteboardData pasteboardData(std::string type, std::string_view bytes) {
 
 void Pasteboard::copy(PasteboardSnapshot items) {
     items_ = std::move(items);
+    marker_.reset();
     isOurs_ = false;
     ++changeCount_;
 }
@@ -42,14 +43,25 @@ std::vector<std::string> Pasteboard::contents() const {
     return lines;
 }
 
+std::optional<std::u16string> Pasteboard::paste() {
+    return marker_ ? std::nullopt : string(pasteboardType::string);
+}
+
 std::optional<std::u16string> Pasteboard::string(std::string_view type) {
+    if (marker_) {
+        return marker_;
+    }
     if (isOwnerHanging && !isOurs_) {
         return std::nullopt;
     }
     for (const PasteboardItem& item : items_) {
         for (const PasteboardData& data : item.data) {
             if (data.type == type && (isOurs_ || !refusedTypes.contains(data.type))) {
-                return toUtf16(text(data));
+                std::u16string read = toUtf16(text(data));
+                if (onRead) {
+                    onRead();
+                }
+                return read;
             }
         }
     }
@@ -61,12 +73,23 @@ bool Pasteboard::setString(std::u16string_view text, std::string_view type) {
         return false;
     }
     written_.emplace_back(text);
+    marker_.reset();
     items_ = {{{pasteboardData(std::string(type), toUtf8(text))}}};
+    return true;
+}
+
+bool Pasteboard::setMarker(std::u16string_view text) {
+    if (!isOurs_) {
+        return false;
+    }
+    written_.emplace_back(text);
+    marker_ = text;
     return true;
 }
 
 std::int64_t Pasteboard::clearContents() {
     items_.clear();
+    marker_.reset();
     isOurs_ = true;
     const std::int64_t count = ++changeCount_;
     if (onCleared) {
@@ -78,6 +101,9 @@ std::int64_t Pasteboard::clearContents() {
 std::optional<PasteboardSnapshot> Pasteboard::snapshot() {
     if (isOwnerHanging && !isOurs_) {
         return std::nullopt;
+    }
+    if (onSaving) {
+        onSaving();
     }
     PasteboardSnapshot copy = items_;
     for (PasteboardItem& item : copy) {

@@ -23,8 +23,15 @@ public:
     bool isOwnerHanging = false;
     /// Called when it was cleared, before anything is written.
     std::function<void()> onCleared;
+    /// Called while its contents are saved.
+    std::function<void()> onSaving;
+    /// Called when its text was read.
+    std::function<void()> onRead;
 
-    /// The texts that were written here, in order, those of other programs not included.
+    /// What another program gets that pastes text.
+    [[nodiscard]] std::optional<std::u16string> paste();
+    /// The texts and markers that were written here, in order, those of other programs not
+    /// included.
     [[nodiscard]] const std::vector<std::u16string>& written() const { return written_; }
     [[nodiscard]] int restoreCount() const { return restoreCount_; }
     /// Each type of each item with its bytes: "1 text/html: <b>".
@@ -33,6 +40,7 @@ public:
     [[nodiscard]] std::int64_t changeCount() override { return changeCount_; }
     [[nodiscard]] std::optional<std::u16string> string(std::string_view type) override;
     bool setString(std::u16string_view text, std::string_view type) override;
+    bool setMarker(std::u16string_view text) override;
     std::int64_t clearContents() override;
     [[nodiscard]] std::optional<PasteboardSnapshot> snapshot() override;
     void restore(PasteboardSnapshot items) override;
@@ -41,6 +49,7 @@ private:
     PasteboardSnapshot items_;
     std::int64_t changeCount_ = 40;
     bool isOurs_ = false;
+    std::optional<std::u16string> marker_;
     std::vector<std::u16string> written_;
     int restoreCount_ = 0;
 };

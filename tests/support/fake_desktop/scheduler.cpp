@@ -2,7 +2,6 @@
 #include "tests/support/fake_desktop/scheduler.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace kelvora::fake {
@@ -16,6 +15,32 @@ std::function<void()> takeFront(std::deque<std::function<void()>>& queue) {
 }
 
 } // namespace
+
+class Scheduler::RepeatingTimer final : public Timer {
+public:
+    RepeatingTimer(Scheduler& scheduler, double seconds, std::function<void()> work)
+        : scheduler_(scheduler), interval_(seconds), next_(scheduler.now() + seconds),
+          work_(std::move(work)) {
+        scheduler_.timers_.push_back(this);
+    }
+    ~RepeatingTimer() override { std::erase(scheduler_.timers_, this); }
+
+    [[nodiscard]] double next() const { return next_; }
+    void tick() {
+        next_ += interval_;
+        work_();
+    }
+
+private:
+    Scheduler& scheduler_;
+    double interval_;
+    double next_;
+    std::function<void()> work_;
+};
+
+std::unique_ptr<Timer> Scheduler::repeat(double seconds, std::function<void()> work) {
+    return std::make_unique<RepeatingTimer>(*this, seconds, std::move(work));
+}
 
 void Scheduler::at(double delay, std::function<void()> event) {
     scheduled_.emplace(now_ + delay, std::move(event));
@@ -42,7 +67,10 @@ void Scheduler::runFor(double seconds) {
 }
 
 void Scheduler::run() {
-    runUntil(std::numeric_limits<double>::infinity());
+    runUntil(now_);
+    while (!scheduled_.empty()) {
+        runUntil(scheduled_.begin()->first);
+    }
 }
 
 void Scheduler::runUntil(double end) {
@@ -65,7 +93,14 @@ void Scheduler::serveMain() {
 }
 
 bool Scheduler::runNextScheduled(double end) {
+    const auto timer = std::ranges::min_element(timers_, {}, &RepeatingTimer::next);
     const auto next = scheduled_.begin();
+    if (timer != timers_.end() && (*timer)->next() <= end &&
+        (next == scheduled_.end() || (*timer)->next() < next->first)) {
+        now_ = std::max(now_, (*timer)->next());
+        (*timer)->tick();
+        return true;
+    }
     if (next == scheduled_.end() || next->first > end) {
         return false;
     }

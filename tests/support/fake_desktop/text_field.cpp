@@ -31,7 +31,8 @@ void TextField::receiveShortcut(KeyCode keyCode) {
             pasteboard_.copyText(copies ? copies(selectedText()) : selectedText());
         });
     } else if (keyCode == keyCode::v) {
-        insert(pasteboard_.string(pasteboardType::string).value_or(u""));
+        const auto paste = [this] { insert(pasteboard_.paste().value_or(u"")); };
+        pasteDelay > 0 ? scheduler_.at(pasteDelay, paste) : paste();
     }
 }
 

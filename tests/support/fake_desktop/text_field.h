@@ -21,7 +21,8 @@ public:
 
     // How an application may differ from an ordinary one.
     bool ignoresShortcuts = false;
-    double copyDelay = 0; ///< seconds from Command-C to the copy
+    double copyDelay = 0;  ///< seconds from Command-C to the copy
+    double pasteDelay = 0; ///< seconds from Command-V to the paste
     /// What is copied of a selection, instead of its text.
     std::function<std::u16string(std::u16string_view)> copies;
 

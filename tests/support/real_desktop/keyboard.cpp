@@ -152,4 +152,17 @@ void Keyboard::tapNamed(const char* keysymName) {
     tap(XKeysymToKeycode(display_, XStringToKeysym(keysymName)));
 }
 
+void Keyboard::chord(const std::string& names) {
+    const std::size_t plus = names.find('+');
+    if (plus == std::string::npos) {
+        tapNamed(names.c_str());
+        return;
+    }
+    const std::string modifier = names.substr(0, plus);
+    const unsigned keyCode = XKeysymToKeycode(display_, XStringToKeysym(modifier.c_str()));
+    press(keyCode);
+    chord(names.substr(plus + 1));
+    release(keyCode);
+}
+
 } // namespace kelvora::real

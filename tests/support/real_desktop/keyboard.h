@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <random>
+#include <string>
 #include <string_view>
 
 namespace kelvora::real {
@@ -61,6 +62,8 @@ public:
     void controlWith(char character);
     /// A key by its keysym name, for example "Left".
     void tapNamed(const char* keysymName);
+    /// Keys by their keysym names, the modifiers first: "Control_L+Shift_L+End".
+    void chord(const std::string& names);
 
 private:
     [[nodiscard]] std::chrono::milliseconds nextInterval();

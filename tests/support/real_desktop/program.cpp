@@ -8,13 +8,24 @@
 
 namespace kelvora::real {
 
+namespace {
+
+/// With it the log is written to standard error, whatever the machine's journal is.
+Environment withLog(Environment environment) {
+    environment.try_emplace("KELVORA_LOG", "info");
+    return environment;
+}
+
+} // namespace
+
 Program::Program(RealDesktop& desktop, const std::filesystem::path& executable, Start start)
     : Program(desktop, executable, start, desktop.environment()) {}
 
 Program::Program(RealDesktop& desktop, const std::filesystem::path& executable, Start start,
                  const Environment& environment)
     : logFile_(desktop.newFile("program-log")),
-      process_({executable.string()}, {.environment = environment, .outputFile = logFile_}) {
+      process_({executable.string()},
+               {.environment = withLog(environment), .outputFile = logFile_}) {
     if (start == Start::asItIs) {
         return;
     }

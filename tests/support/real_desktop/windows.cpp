@@ -92,14 +92,25 @@ std::string rootStringProperty(_XDisplay* display, const char* name) {
 }
 
 std::optional<WindowId> windowOfProcess(_XDisplay* display, pid_t process) {
-    const Window root = DefaultRootWindow(display);
-    for (const Window window : readProperty(display, root, "_NET_CLIENT_LIST").numbers) {
-        const Property owner = readProperty(display, window, "_NET_WM_PID");
-        if (!owner.numbers.empty() && owner.numbers[0] == static_cast<unsigned long>(process)) {
+    for (const Window window : topWindows(display)) {
+        if (processOfWindow(display, window) == process) {
             return window;
         }
     }
     return std::nullopt;
+}
+
+std::vector<WindowId> topWindows(_XDisplay* display) {
+    return readProperty(display, DefaultRootWindow(display), "_NET_CLIENT_LIST").numbers;
+}
+
+pid_t processOfWindow(_XDisplay* display, WindowId window) {
+    const Property owner = readProperty(display, window, "_NET_WM_PID");
+    return owner.numbers.empty() ? 0 : static_cast<pid_t>(owner.numbers[0]);
+}
+
+std::string windowTitle(_XDisplay* display, WindowId window) {
+    return readProperty(display, window, "_NET_WM_NAME").bytes;
 }
 
 WindowId activeWindow(_XDisplay* display) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <sys/types.h>
+#include <vector>
 
 namespace kelvora::real {
 
@@ -22,6 +23,12 @@ struct WindowFrame {
 [[nodiscard]] std::string rootStringProperty(_XDisplay* display, const char* name);
 /// The visible top window of a process; absent as long as it shows none.
 [[nodiscard]] std::optional<WindowId> windowOfProcess(_XDisplay* display, pid_t process);
+/// The visible top windows, the oldest first.
+[[nodiscard]] std::vector<WindowId> topWindows(_XDisplay* display);
+/// The process that a window says it belongs to; 0 when it says none.
+[[nodiscard]] pid_t processOfWindow(_XDisplay* display, WindowId window);
+/// The title in UTF-8; empty when there is none.
+[[nodiscard]] std::string windowTitle(_XDisplay* display, WindowId window);
 /// The window that the window manager calls active; 0 for none.
 [[nodiscard]] WindowId activeWindow(_XDisplay* display);
 /// Asks the window manager to bring the window forward, and waits until it has the keyboard focus.

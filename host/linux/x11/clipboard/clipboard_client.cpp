@@ -100,6 +100,11 @@ xcb_window_t ClipboardClient::createWindow() {
     return window;
 }
 
+std::uint32_t ClipboardClient::clientOf(xcb_window_t window) const {
+    // The server hands each client the identifiers with the same bits above this mask.
+    return window & ~xcb_get_setup(connection())->resource_id_mask;
+}
+
 void ClipboardClient::watchOwner() {
     selectOwnerNotices(XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                        XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |

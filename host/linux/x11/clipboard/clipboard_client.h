@@ -65,6 +65,8 @@ public:
     [[nodiscard]] xcb_window_t window() const { return window_; }
     /// One more window, whose property changes are told.
     [[nodiscard]] xcb_window_t createWindow();
+    /// What all windows of one client have in common; 0 for the server's own.
+    [[nodiscard]] std::uint32_t clientOf(xcb_window_t window) const;
 
     /// From here on every change of the owner is told, see ownerNotice(). What is not read piles
     /// up.

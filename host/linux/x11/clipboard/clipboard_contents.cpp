@@ -13,6 +13,9 @@ namespace {
 /// A convention between password managers and clipboard managers; its value is always "secret".
 constexpr std::string_view managerHint = "x-kde-passwordManagerHint";
 
+/// Of this program alone.
+constexpr std::string_view markerType = "application/x-kelvora-marker";
+
 struct PropertyKind {
     std::uint8_t format;
     std::string_view type;
@@ -33,7 +36,16 @@ std::shared_ptr<const std::vector<std::byte>> toBytes(std::string_view text) {
     return std::make_shared<const std::vector<std::byte>>(bytes.begin(), bytes.end());
 }
 
+PasteboardData hint() {
+    return {std::string(managerHint), propertyEncoding(8, managerHint), toBytes("secret")};
+}
+
 } // namespace
+
+bool isText(std::string_view target) {
+    return target == "UTF8_STRING" || target == "STRING" || target == "TEXT" ||
+           target == "COMPOUND_TEXT" || target.starts_with("text/plain");
+}
 
 std::string propertyEncoding(std::uint8_t format, std::string_view type) {
     return std::to_string(format).append(" ").append(type);
@@ -59,6 +71,10 @@ ClipboardContents contentsOf(xcb_connection_t* connection, std::vector<Pasteboar
     return contents;
 }
 
+std::vector<PasteboardData> markerData() {
+    return {{std::string(markerType), propertyEncoding(8, markerType), toBytes({})}, hint()};
+}
+
 std::vector<PasteboardData> secretText(std::u16string_view text) {
     const auto utf8 = toBytes(toUtf8(text));
     std::vector<PasteboardData> data{
@@ -75,7 +91,7 @@ std::vector<PasteboardData> secretText(std::u16string_view text) {
     } else {
         data.push_back({"TEXT", propertyEncoding(8, "UTF8_STRING"), utf8});
     }
-    data.push_back({std::string(managerHint), propertyEncoding(8, managerHint), toBytes("secret")});
+    data.push_back(hint());
     return data;
 }
 
@@ -92,6 +108,8 @@ std::u16string textOf(std::span<const std::byte> bytes, bool isLatin1) {
 }
 
 std::optional<std::u16string> textOf(const ClipboardContents& contents) {
+    if (contents.marker)
+        return contents.marker;
     for (const std::string_view name : textTargets)
         for (const ClipboardTarget& target : contents.targets)
             if (target.data.type == name && target.format == 8)

@@ -20,6 +20,9 @@ namespace kelvora {
 inline constexpr std::string_view textTargets[] = {"UTF8_STRING", "text/plain;charset=utf-8",
                                                    "STRING"};
 
+/// Whether a target of that name gives plain text.
+[[nodiscard]] bool isText(std::string_view target);
+
 /// What is given out for one target, as a property of that type and format.
 struct ClipboardTarget {
     xcb_atom_t target;
@@ -34,6 +37,10 @@ struct ClipboardContents {
     std::vector<ClipboardTarget> targets;
     /// Marked as nothing that a clipboard manager should keep.
     bool isSecret = false;
+    /// Given out instead to programs that fetch what nobody pastes; null: they get the same.
+    std::shared_ptr<const ClipboardContents> forWatchers;
+    /// The text of contents that have none for other programs.
+    std::optional<std::u16string> marker;
 };
 
 /// A property's type and format as a PasteboardData keeps them.
@@ -43,6 +50,10 @@ struct ClipboardContents {
 [[nodiscard]] ClipboardContents contentsOf(xcb_connection_t* connection,
                                            std::vector<PasteboardData> data);
 
+/// Nothing that anybody would take, yet not nothing: many a manager fills a clipboard that is empty
+/// with what was there before. With the mark that keeps it out of histories.
+[[nodiscard]] std::vector<PasteboardData> markerData();
+
 /// A text as what programs exchange texts in, with the mark that keeps it out of histories.
 [[nodiscard]] std::vector<PasteboardData> secretText(std::u16string_view text);
 
@@ -50,7 +61,7 @@ struct ClipboardContents {
 /// that some owners send along.
 [[nodiscard]] std::u16string textOf(std::span<const std::byte> bytes, bool isLatin1);
 
-/// The text among `contents`, absent when there is none.
+/// The text among `contents`, or their marker; absent when there is neither.
 [[nodiscard]] std::optional<std::u16string> textOf(const ClipboardContents& contents);
 
 } // namespace kelvora

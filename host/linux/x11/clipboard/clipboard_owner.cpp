@@ -63,7 +63,9 @@ ClipboardOwner::State ClipboardOwner::state() {
 
 std::int64_t ClipboardOwner::claimEmpty() {
     waitEnd_ = ClipboardClient::Clock::now() + writeGrace;
-    take(std::make_shared<const ClipboardContents>(ClipboardContents{{}, true}));
+    ClipboardContents nothing;
+    nothing.isSecret = true;
+    take(std::make_shared<const ClipboardContents>(std::move(nothing)));
     return countOfClaim_;
 }
 
@@ -78,6 +80,7 @@ bool ClipboardOwner::write(ClipboardContents contents, std::u16string text) {
 }
 
 void ClipboardOwner::claim(ClipboardContents contents) {
+    watchers_.lookOut();
     take(std::make_shared<const ClipboardContents>(std::move(contents)));
     answerWaiting();
 }
@@ -148,7 +151,7 @@ void ClipboardOwner::onOwnerNotice(const ClipboardClient::OwnerNotice& notice) {
 
 void ClipboardOwner::onForeignClaim(xcb_window_t owner) {
     settleUndecided();
-    const std::uint32_t client = clientOf(owner);
+    const std::uint32_t client = client_->clientOf(owner);
     if (owner != XCB_WINDOW_NONE && !echoText_.empty() && !fetchers_.empty()) {
         undecided_ = {++lastSerial_, std::ranges::find(fetchers_, client) != fetchers_.end()};
         return;
@@ -184,8 +187,16 @@ void ClipboardOwner::onRequest(const xcb_selection_request_event_t& request) {
 }
 
 void ClipboardOwner::answer(const xcb_selection_request_event_t& request) {
-    const std::uint32_t client = clientOf(request.requestor);
-    if (responder_.answer(request, claim_) && !echoText_.empty() &&
+    ClipboardClaim claim = claim_;
+    const bool isToPaste = claim.contents && claim.contents->forWatchers;
+    if (isToPaste && watchers_.hides(request.requestor))
+        claim.contents = claim.contents->forWatchers;
+    const auto given = responder_.answer(request, claim);
+    if (given == SelectionResponder::Result::text)
+        watchers_.onTextGiven(request.requestor, isToPaste ? ClipboardWatchers::Purpose::paste
+                                                           : ClipboardWatchers::Purpose::keep);
+    const std::uint32_t client = client_->clientOf(request.requestor);
+    if (given >= SelectionResponder::Result::data && !echoText_.empty() &&
         fetchers_.size() < maximumFetchers &&
         std::ranges::find(fetchers_, client) == fetchers_.end())
         fetchers_.push_back(client);
@@ -195,11 +206,6 @@ void ClipboardOwner::answerWaiting() {
     waitEnd_.reset();
     for (const xcb_selection_request_event_t& request : std::exchange(waiting_, {}))
         answer(request);
-}
-
-std::uint32_t ClipboardOwner::clientOf(xcb_window_t window) const {
-    // The server hands each client the identifiers with the same bits above this mask.
-    return window & ~xcb_get_setup(client_->connection())->resource_id_mask;
 }
 
 ClipboardClient::EventHandler ClipboardOwner::handler() {

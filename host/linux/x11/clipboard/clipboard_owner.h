@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/linux/x11/clipboard/clipboard_watchers.h"
 #include "host/linux/x11/clipboard/outgoing_transfers.h"
 #include "host/linux/x11/clipboard/selection_responder.h"
 
@@ -39,9 +40,10 @@ public:
     /// Takes the selection with nothing in it; write() is expected at once, so requests wait for it
     /// for a moment. The change count of this claim.
     std::int64_t claimEmpty();
-    /// False when the selection has been taken over by others.
+    /// `text` is what others may claim with as an echo, empty when they cannot. False when the
+    /// selection has been taken over by others.
     [[nodiscard]] bool write(ClipboardContents contents, std::u16string text);
-    /// Takes the selection with these contents.
+    /// Takes the selection with these contents, which are to stay.
     void claim(ClipboardContents contents);
     /// What became of state().possibleEcho; ignored when it is another by now.
     void decideEcho(std::uint64_t serial, bool isEcho);
@@ -66,12 +68,12 @@ private:
     void answer(const xcb_selection_request_event_t& request);
     void answerWaiting();
     void settleUndecided();
-    [[nodiscard]] std::uint32_t clientOf(xcb_window_t window) const;
     [[nodiscard]] ClipboardClient::EventHandler handler();
 
     std::unique_ptr<ClipboardClient> client_;
     OutgoingTransfers transfers_{*client_};
     SelectionResponder responder_{*client_, transfers_};
+    ClipboardWatchers watchers_{*client_};
 
     ClipboardClaim claim_;
     bool awaitsOwnNotice_ = false; ///< what is noticed until then happened before our claim

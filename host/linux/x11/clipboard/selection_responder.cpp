@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/clipboard/selection_responder.h"
 
+#include <algorithm>
+
 namespace kelvora {
 namespace {
 
@@ -12,8 +14,8 @@ bool isBefore(xcb_timestamp_t time, xcb_timestamp_t other) {
 
 } // namespace
 
-bool SelectionResponder::answer(const xcb_selection_request_event_t& request,
-                                const ClipboardClaim& claim) {
+SelectionResponder::Result SelectionResponder::answer(const xcb_selection_request_event_t& request,
+                                                      const ClipboardClaim& claim) {
     // Clients from before ICCCM name no property; the target then names it.
     const bool isOldClient = request.property == XCB_ATOM_NONE;
     const xcb_atom_t property = isOldClient ? request.target : request.property;
@@ -23,7 +25,7 @@ bool SelectionResponder::answer(const xcb_selection_request_event_t& request,
         request.requestor != client_.window() &&
         (request.time == XCB_CURRENT_TIME || !isBefore(request.time, claim.time));
 
-    Result result = Result::refused;
+    Result result = Result::nothing;
     if (isOfThisClaim && request.target == client_.atoms().multiple) {
         if (!isOldClient)
             result = convertMultiple(request.requestor, property, claim);
@@ -37,10 +39,10 @@ bool SelectionResponder::answer(const xcb_selection_request_event_t& request,
     notify.requestor = request.requestor;
     notify.selection = request.selection;
     notify.target = request.target;
-    notify.property = result == Result::refused ? xcb_atom_t{XCB_ATOM_NONE} : property;
+    notify.property = result == Result::nothing ? xcb_atom_t{XCB_ATOM_NONE} : property;
     xcb_send_event(client_.connection(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
                    reinterpret_cast<const char*>(&notify));
-    return result == Result::given;
+    return result;
 }
 
 SelectionResponder::Result SelectionResponder::convert(xcb_window_t requestor, xcb_atom_t target,
@@ -50,11 +52,11 @@ SelectionResponder::Result SelectionResponder::convert(xcb_window_t requestor, x
     const auto describe = [&](xcb_atom_t type, std::uint32_t count, const void* items) {
         xcb_change_property(client_.connection(), XCB_PROP_MODE_REPLACE, requestor, property, type,
                             32, count, items);
-        return Result::described;
+        return Result::description;
     };
     if (target == atoms.targets) {
         writeTargets(requestor, property, *claim.contents);
-        return Result::described;
+        return Result::description;
     }
     if (target == atoms.timestamp)
         return describe(XCB_ATOM_INTEGER, 1, &claim.time);
@@ -63,9 +65,9 @@ SelectionResponder::Result SelectionResponder::convert(xcb_window_t requestor, x
     for (const ClipboardTarget& each : claim.contents->targets)
         if (each.target == target) {
             transfers_.give(requestor, property, each);
-            return Result::given;
+            return isText(each.data.type) ? Result::text : Result::data;
         }
-    return Result::refused;
+    return Result::nothing;
 }
 
 SelectionResponder::Result SelectionResponder::convertMultiple(xcb_window_t requestor,
@@ -81,21 +83,20 @@ SelectionResponder::Result SelectionResponder::convertMultiple(xcb_window_t requ
                                                 XCB_GET_PROPERTY_TYPE_ANY, 0, 2 * maximumPairs),
                                nullptr));
     if (!reply || reply->format != 32 || reply->bytes_after != 0)
-        return Result::refused;
+        return Result::nothing;
     const auto* first = static_cast<const Pair*>(xcb_get_property_value(reply.get()));
     const auto count =
         static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) / sizeof(Pair);
     std::vector<Pair> pairs(first, first + count);
-    Result result = Result::described;
+    Result result = Result::description;
     bool isChanged = false;
     for (Pair& pair : pairs) {
-        Result each = Result::refused;
+        Result each = Result::nothing;
         if (pair.property != XCB_ATOM_NONE && pair.property != property &&
             pair.target != client_.atoms().multiple)
             each = convert(requestor, pair.target, pair.property, claim);
-        if (each == Result::given)
-            result = Result::given;
-        if (each == Result::refused && pair.property != XCB_ATOM_NONE) {
+        result = std::max(result, each);
+        if (each == Result::nothing && pair.property != XCB_ATOM_NONE) {
             pair.property = XCB_ATOM_NONE;
             isChanged = true;
         }

@@ -17,13 +17,14 @@ public:
     SelectionResponder(ClipboardClient& client, OutgoingTransfers& transfers)
         : client_(client), transfers_(transfers) {}
 
-    /// True when data of the contents was given, not only their list. A request that cannot be met
-    /// is answered, too.
-    bool answer(const xcb_selection_request_event_t& request, const ClipboardClaim& claim);
+    /// What was given, in the order of their weight: nothing, no more than a list of the contents,
+    /// data of them, a plain text among the data.
+    enum class Result { nothing, description, data, text };
+
+    /// A request that cannot be met is answered, too.
+    Result answer(const xcb_selection_request_event_t& request, const ClipboardClaim& claim);
 
 private:
-    enum class Result { refused, described, given };
-
     [[nodiscard]] Result convert(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property,
                                  const ClipboardClaim& claim);
     [[nodiscard]] Result convertMultiple(xcb_window_t requestor, xcb_atom_t property,

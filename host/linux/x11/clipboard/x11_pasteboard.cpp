@@ -53,9 +53,18 @@ bool X11Pasteboard::setString(std::u16string_view text, std::string_view type) {
     if (type != pasteboardType::string)
         return false;
     ClipboardContents contents = contentsOf(reader_->connection(), secretText(text));
+    contents.forWatchers =
+        std::make_shared<const ClipboardContents>(contentsOf(reader_->connection(), markerData()));
     return owner_->perform([&](ClipboardOwner& owner) {
         return owner.write(std::move(contents), std::u16string(text));
     });
+}
+
+bool X11Pasteboard::setMarker(std::u16string_view text) {
+    ClipboardContents contents = contentsOf(reader_->connection(), markerData());
+    contents.marker = text;
+    return owner_->perform(
+        [&](ClipboardOwner& owner) { return owner.write(std::move(contents), {}); });
 }
 
 std::int64_t X11Pasteboard::clearContents() {

@@ -21,6 +21,7 @@ public:
     [[nodiscard]] std::int64_t changeCount() override;
     [[nodiscard]] std::optional<std::u16string> string(std::string_view type) override;
     bool setString(std::u16string_view text, std::string_view type) override;
+    bool setMarker(std::u16string_view text) override;
     std::int64_t clearContents() override;
     [[nodiscard]] std::optional<PasteboardSnapshot> snapshot() override;
     void restore(PasteboardSnapshot items) override;

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// Selections, words at the caret and whole fields, in windows of each toolkit.
+#include "tests/applications/catalogue.h"
+#include "tests/applications/session.h"
+
+#include <gmock/gmock.h>
+#include <ostream>
+
+namespace kelvora::applications {
+
+void PrintTo(const ApplicationSpec& spec, std::ostream* stream) {
+    *stream << spec.name;
+}
+
+namespace {
+
+class Selections : public testing::TestWithParam<ApplicationSpec> {};
+
+TEST_P(Selections, AreConverted) {
+    for (const Observation& seen : observe(KELVORA_PROGRAM, GetParam())) {
+        EXPECT_THAT(seen.problems, testing::IsEmpty())
+            << seen.application << ", " << seen.field << ", " << seen.scenario
+            << ", way: " << seen.path;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(FieldWindows, Selections,
+                         testing::ValuesIn(fieldWindows(KELVORA_FIELD_WINDOWS)));
+
+} // namespace
+
+} // namespace kelvora::applications

@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: MIT
+#include "tests/applications/session.h"
+
+#include "tests/applications/title_text.h"
+#include "tests/support/real_desktop/foreign_clipboard.h"
+#include "tests/support/real_desktop/wait_until.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace kelvora::applications {
+
+using namespace kelvora::real;
+
+namespace {
+
+constexpr std::size_t longText = 10'000;
+constexpr const char* foreignCopy = "31415926";
+
+/// What a person may have copied before: text, its rich form, a picture, a program's own format.
+ClipboardContent richContent(Event event) {
+    std::string picture("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16);
+    const std::size_t size = event == Event::largeClipboard ? 20'000'000 : 40'000;
+    std::uint32_t state = 1;
+    while (picture.size() < size) {
+        state = state * 1664525U + 1013904223U;
+        picture.push_back(static_cast<char>(state >> 24U));
+    }
+    return {{"UTF8_STRING", "copied before, скопировано 📋"},
+            {"text/html", "<b>copied</b> before"},
+            {"image/png", std::move(picture)},
+            {"application/x-kelvora-test", std::string("\0\1\2\xff", 4)}};
+}
+
+Environment loggingEnvironment(const RealDesktop& desktop) {
+    Environment environment = desktop.environment();
+    environment["KELVORA_LOG"] = "debug";
+    return environment;
+}
+
+bool containsAny(const std::string& text, const auto& parts) {
+    return std::any_of(parts.begin(), parts.end(),
+                       [&](std::string_view part) { return text.find(part) != std::string::npos; });
+}
+
+bool isOver(const std::string& log) {
+    constexpr std::array ends{"Converted text to index", "no convertible text found",
+                              "performConversion skipped", "performConversion failed"};
+    return containsAny(log, ends);
+}
+
+std::string pathIn(const std::string& log) {
+    constexpr std::array<std::pair<const char*, const char*>, 11> paths{
+        {{"Typed-word path success", "typed text"},
+         {"Clipboard path success", "clipboard"},
+         {"Clipboard path aborted", "clipboard, nothing to convert"},
+         {"Clipboard path: text not convertible", "clipboard, not convertible"},
+         {"AX path success", "accessibility"},
+         {"AX path: selected text is not convertible", "accessibility, not convertible"},
+         {"AX word success", "accessibility, the word"},
+         {"AX word: no convertible word", "accessibility, no word"},
+         {"Clipboard path not begun", "none, clipboard not begun"},
+         {"Terminal: nothing typed", "none in a terminal"},
+         {"performConversion() invoked", "none"}}};
+    for (const auto& [line, path] : paths) {
+        if (log.find(line) != std::string::npos) {
+            return path;
+        }
+    }
+    return "not triggered";
+}
+
+} // namespace
+
+Session::Session(const std::filesystem::path& program, const ApplicationSpec& spec)
+    : spec_(spec), initialState_(desktop_.keyboardState()),
+      program_(desktop_, program, Program::Start::waitUntilListening,
+               loggingEnvironment(desktop_)) {
+    desktop_.keyboard().setSource(KeySource::physical);
+    if (!spec.companion.empty()) {
+        companion_ = std::make_unique<ChildProcess>(
+            spec.companion, ChildProcess::Options{.environment = desktop_.environment()});
+    }
+}
+
+bool Session::prepare(Field field) {
+    if (!application_ || application_->field() != field) {
+        application_.reset();
+        application_ = std::make_unique<Application>(desktop_, spec_, field);
+    }
+    return application_->isReady();
+}
+
+/// The steps of one scenario, and what is found on the way.
+class Session::Run {
+public:
+    Run(Session& session, const Scenario& scenario)
+        : session_(session), scenario_(scenario), application_(*session.application_),
+          desktop_(session.desktop_), display_(desktop_.environment().at("DISPLAY")) {}
+
+    void perform(Observation& seen) {
+        if (!begin()) {
+            problems_.push_back("cannot be brought about: the field holds \"" +
+                                application_.text() + "\", selected is \"" +
+                                readSelectedText(display_, "PRIMARY").value_or("") + '"');
+            seen.problems = problems_;
+            return;
+        }
+        convert();
+        seen.before = scenario_.before;
+        seen.path = pathIn(log());
+        seen.clipboard = compareClipboard();
+        compareText(seen);
+        compareKeyboard(seen);
+        if (containsAny(session_.program_.log(),
+                        std::array{"ghbdtn", "привет", "ltkf", "copied"})) {
+            problems_.push_back("text stands in the log");
+        }
+        if (!session_.program_.process().isRunning()) {
+            problems_.push_back("the program has ended");
+        }
+        if (scenario_.before.size() < longText) {
+            seen.undo = undo();
+        } else {
+            // Some are busy for a long time after such a text.
+            session_.application_.reset();
+        }
+        seen.problems = problems_;
+    }
+
+private:
+    bool begin() {
+        lockLayout(desktop_.display(), 0);
+        constexpr std::array fixed{Field::readOnly, Field::files, Field::cell};
+        const bool isFixed =
+            std::find(fixed.begin(), fixed.end(), application_.field()) != fixed.end();
+        if (isFixed ? !application_.comesToShow(scenario_.before)
+                    : !application_.setText(scenario_.before)) {
+            return false;
+        }
+        for (const char* const chord : scenario_.keys) {
+            desktop_.keyboard().chord(chord);
+        }
+        return scenario_.selected.empty() ||
+               session_.spec_.selectionReport == SelectionReport::sometimes || waitUntil([&] {
+                   return readSelectedText(display_, "PRIMARY") == scenario_.selected;
+               });
+    }
+
+    void convert() {
+        user_.emplace(display_, richContent(scenario_.event));
+        contentBefore_ = readClipboard(display_);
+        logStart_ = session_.program_.log().size();
+        if (scenario_.event == Event::stoppedProcess) {
+            kill(application_.process(), SIGSTOP);
+        }
+        desktop_.keyboard().doubleShift();
+        if (scenario_.event == Event::exitingProcess) {
+            static_cast<void>(waitUntil([&] { return pathIn(log()) != "not triggered"; }));
+            kill(application_.process(), SIGKILL);
+        }
+        if (scenario_.event == Event::copyInTheMiddle &&
+            waitUntil([&] { return user_->isReplaced() || isOver(log()); }) &&
+            user_->isReplaced()) {
+            other_.emplace(display_, ClipboardContent{{"UTF8_STRING", foreignCopy}});
+        }
+        // A password is withheld from the program altogether, so that nothing is to be waited for.
+        if (application_.field() == Field::password) {
+            static_cast<void>(staysTrue([&] { return application_.text() == scenario_.before; },
+                                        std::chrono::milliseconds(800)));
+        } else if (!waitUntil([&] { return isOver(log()); }, std::chrono::seconds(20))) {
+            problems_.emplace_back("the conversion does not end");
+        }
+        if (scenario_.event == Event::stoppedProcess) {
+            kill(application_.process(), SIGCONT);
+        }
+    }
+
+    std::string compareClipboard() {
+        const auto isAsBefore = [&] { return readClipboard(display_) == contentBefore_; };
+        if (other_) {
+            const auto now = readSelectedText(display_);
+            if (now == foreignCopy) {
+                return "the other program's";
+            }
+        }
+        if (waitUntil(isAsBefore, std::chrono::seconds(3)) &&
+            (scenario_.event != Event::stoppedProcess ||
+             staysTrue(isAsBefore, std::chrono::seconds(1)))) {
+            return "as before";
+        }
+        const auto now = readClipboard(display_);
+        std::string difference = "the clipboard is not as before:";
+        for (const auto& [target, bytes] : contentBefore_.value_or(ClipboardContent{})) {
+            if (!now || !now->contains(target)) {
+                difference += " no " + target;
+            } else if (now->at(target) != bytes) {
+                difference += " other " + target;
+            }
+        }
+        problems_.push_back(difference);
+        return "changed";
+    }
+
+    void compareText(Observation& seen) {
+        if (scenario_.event == Event::exitingProcess) {
+            session_.application_.reset();
+            seen.after = "(gone)";
+            return;
+        }
+        const std::string& expected =
+            session_.spec_.awareness == Awareness::unaware && !scenario_.afterUnaware.empty()
+                ? scenario_.afterUnaware
+                : scenario_.after;
+        const bool isRight =
+            application_.comesToShow(expected, std::chrono::seconds(2)) ||
+            (!scenario_.orElse.empty() && application_.comesToShow(scenario_.orElse));
+        seen.after = application_.text();
+        if (!isRight) {
+            problems_.push_back("the text should be \"" + expected + '"');
+        }
+        isConverted_ =
+            isRight && seen.after != scenario_.before && seen.after != titleFor(scenario_.before);
+    }
+
+    void compareKeyboard(Observation& seen) {
+        if (scenario_.event == Event::exitingProcess) {
+            seen.layout = activeLayout(desktop_.display()); // how far it came is a matter of chance
+            return;
+        }
+        const std::string expected = isConverted_ ? "ru" : "us";
+        static_cast<void>(waitUntil([&] { return activeLayout(desktop_.display()) == expected; },
+                                    std::chrono::seconds(1)));
+        const KeyboardState state = desktop_.keyboardState();
+        seen.layout = state.layout;
+        // A paste that the application ignores looks like any other.
+        const bool ignoresPastes =
+            application_.field() == Field::readOnly || application_.field() == Field::files;
+        if (state.layout != expected && !ignoresPastes) {
+            problems_.push_back("the layout should be " + expected);
+        }
+        if (!state.pressedKeys.empty() ||
+            state.lockedModifiers != session_.initialState_.lockedModifiers) {
+            problems_.emplace_back("a key or a lock is left behind");
+        }
+        if (state.keymap != session_.initialState_.keymap) {
+            problems_.emplace_back("a key has another meaning than before");
+        }
+    }
+
+    std::string undo() {
+        if (!isConverted_ || application_.field() == Field::terminal) {
+            return "";
+        }
+        lockLayout(desktop_.display(), 0);
+        constexpr int most = 3;
+        for (int count = 1; count <= most; ++count) {
+            desktop_.keyboard().chord("Control_L+z");
+            if (application_.comesToShow(scenario_.before, std::chrono::milliseconds(500))) {
+                return std::to_string(count);
+            }
+        }
+        return "no";
+    }
+
+    [[nodiscard]] std::string log() const { return session_.program_.log().substr(logStart_); }
+
+    Session& session_;
+    const Scenario& scenario_;
+    Application& application_;
+    RealDesktop& desktop_;
+    const std::string& display_;
+    std::optional<ForeignClipboard> user_;
+    std::optional<ForeignClipboard> other_;
+    std::optional<ClipboardContent> contentBefore_;
+    std::size_t logStart_ = 0;
+    bool isConverted_ = false;
+    std::vector<std::string> problems_;
+};
+
+Observation Session::run(const Scenario& scenario, Field field) {
+    Observation seen;
+    seen.application = spec_.name;
+    seen.field = nameOf(field);
+    seen.scenario = scenario.name;
+    if (!prepare(field)) {
+        seen.problems.emplace_back("the application does not start");
+        return seen;
+    }
+    Run(*this, scenario).perform(seen);
+    return seen;
+}
+
+Observation Session::endCompanion() {
+    Observation seen;
+    seen.application = spec_.name;
+    seen.scenario = "what it has kept";
+    companion_->sendSignal(SIGTERM);
+    static_cast<void>(companion_->waitForExit(std::chrono::seconds(5)));
+    std::string kept;
+    const std::filesystem::path home = desktop_.environment().at("HOME");
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home)) {
+        if (entry.is_regular_file()) {
+            kept += fileContent(entry.path());
+        }
+    }
+    const auto tell = [&](const char* text, const char* name) {
+        seen.after += (kept.find(text) == std::string::npos ? "not " : "") + std::string(name);
+    };
+    tell("copied before", "the copy, ");
+    tell("KELVORA_SENTINEL", "the marker, ");
+    tell("привет", "the conversion");
+    return seen;
+}
+
+std::vector<Observation> observe(const std::filesystem::path& program, const ApplicationSpec& spec,
+                                 const std::string& part) {
+    Session session(program, spec);
+    std::vector<Observation> observations;
+    for (const Field field : spec.fields) {
+        for (const Scenario& scenario : scenarios()) {
+            if (std::find(scenario.fields.begin(), scenario.fields.end(), field) !=
+                    scenario.fields.end() &&
+                std::string(scenario.name).find(part) != std::string::npos) {
+                observations.push_back(session.run(scenario, field));
+            }
+        }
+    }
+    if (!spec.companion.empty()) {
+        observations.push_back(session.endCompanion());
+    }
+    return observations;
+}
+
+} // namespace kelvora::applications

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/address_opener.h"
+#include "host/login_item.h"
+#include "host/permissions.h"
+#include "host/user_defaults.h"
+
+#include <map>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace kelvora::fake {
+
+/// What the program has asked of its session, in order: "store KEY", "prompt KIND", "open ADDRESS".
+using SessionCalls = std::vector<std::string>;
+
+class Permissions final : public kelvora::Permissions {
+public:
+    explicit Permissions(SessionCalls& calls) : calls_(calls) {}
+
+    bool accessibility = true;
+    bool inputMonitoring = true;
+
+    [[nodiscard]] bool isAccessibilityTrusted() override { return accessibility; }
+    [[nodiscard]] bool mayListenToEvents() override { return inputMonitoring; }
+    void requestAccessibilityTrust() override { calls_.emplace_back("prompt accessibility"); }
+    void requestListeningToEvents() override { calls_.emplace_back("prompt listening"); }
+
+private:
+    SessionCalls& calls_;
+};
+
+class Defaults final : public UserDefaults {
+public:
+    using Value = std::variant<bool, double, std::string>;
+
+    explicit Defaults(SessionCalls& calls) : calls_(calls) {}
+
+    std::map<std::string, Value, std::less<>> values;
+
+    [[nodiscard]] std::optional<bool> boolean(std::string_view key) override {
+        const std::optional<double> value = number(key);
+        return value == 0 || value == 1 ? std::optional(value == 1) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<double> number(std::string_view key) override {
+        if (const auto* value = find<bool>(key))
+            return *value ? 1 : 0;
+        const auto* value = find<double>(key);
+        return value ? std::optional(*value) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<std::string> string(std::string_view key) override {
+        const auto* value = find<std::string>(key);
+        return value ? std::optional(*value) : std::nullopt;
+    }
+    void setBoolean(std::string_view key, bool value) override { store(key, value); }
+    void setNumber(std::string_view key, double value) override { store(key, value); }
+    void setString(std::string_view key, std::string_view value) override {
+        store(key, std::string(value));
+    }
+
+private:
+    template <typename T>
+    const T* find(std::string_view key) const {
+        const auto value = values.find(key);
+        return value == values.end() ? nullptr : std::get_if<T>(&value->second);
+    }
+    void store(std::string_view key, Value value) {
+        calls_.push_back("store " + std::string(key));
+        values.insert_or_assign(std::string(key), std::move(value));
+    }
+
+    SessionCalls& calls_;
+};
+
+class Login final : public LoginItem {
+public:
+    bool enabled = false;
+    std::optional<std::string> refusal; ///< absent: changes are taken
+
+    [[nodiscard]] bool isEnabled() override { return enabled; }
+    [[nodiscard]] std::optional<std::string> setEnabled(bool isEnabled) override {
+        if (!refusal)
+            enabled = isEnabled;
+        return refusal;
+    }
+};
+
+class Addresses final : public AddressOpener {
+public:
+    explicit Addresses(SessionCalls& calls) : calls_(calls) {}
+
+    bool open(std::string_view address) override {
+        calls_.push_back("open " + std::string(address));
+        return true;
+    }
+
+private:
+    SessionCalls& calls_;
+};
+
+} // namespace kelvora::fake
