@@ -34,7 +34,7 @@ using AppModelObservation = std::shared_ptr<const void>;
 class AppModelObservers {
 public:
     [[nodiscard]] AppModelObservation add(AppModelObserver observer) {
-        const AppModelObservation observation = std::make_shared<int>();
+        AppModelObservation observation = std::make_shared<int>();
         entries_.push_back(
             {observation, std::make_shared<const AppModelObserver>(std::move(observer))});
         return observation;

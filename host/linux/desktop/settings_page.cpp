@@ -50,7 +50,7 @@ void restoreSignals(gpointer /*data*/) {
 }
 
 /// What went wrong; empty when the program runs.
-std::string start(const Command& command) {
+std::string start(const SettingsCommand& command) {
     std::vector<char*> arguments;
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str())); // only read there
@@ -68,12 +68,12 @@ std::string start(const Command& command) {
 
 } // namespace
 
-std::vector<Command> settingsPageCommands(std::string_view anchor,
-                                          std::string_view currentDesktops) {
+std::vector<SettingsCommand> settingsPageCommands(std::string_view anchor,
+                                                  std::string_view currentDesktops) {
     const auto page = anchor == "Privacy_Accessibility" ? &Pages::accessibility
                       : anchor == "Privacy_ListenEvent" ? &Pages::keyboard
                                                         : nullptr;
-    std::vector<Command> commands;
+    std::vector<SettingsCommand> commands;
     if (page == nullptr)
         return commands;
     for (const std::string& desktop : split(currentDesktops, ':')) {
@@ -87,7 +87,7 @@ std::vector<Command> settingsPageCommands(std::string_view anchor,
 
 bool SettingsPages::open(std::string_view address) {
     std::string failure = "this desktop is not known to have one";
-    for (const Command& command : commandsFor(address)) {
+    for (const SettingsCommand& command : commandsFor(address)) {
         failure = start(command);
         if (failure.empty())
             return true;
@@ -97,7 +97,7 @@ bool SettingsPages::open(std::string_view address) {
     return false;
 }
 
-std::vector<Command> SettingsPages::commandsFor(std::string_view address) const {
+std::vector<SettingsCommand> SettingsPages::commandsFor(std::string_view address) const {
     if (address.starts_with("https://"))
         return {{"xdg-open", std::string(address)}};
     if (!address.starts_with(privacySettings))

@@ -20,7 +20,7 @@ TEST(SettingsPages, CommandsOfTheRunningDesktop) {
     const struct {
         const char* desktops;
         const char* anchor;
-        std::vector<Command> commands;
+        std::vector<SettingsCommand> commands;
     } cases[] = {
         {"ubuntu:GNOME", "Privacy_Accessibility", {{"gnome-control-center", "universal-access"}}},
         {"KDE",
