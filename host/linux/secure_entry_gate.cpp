@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/secure_entry_gate.h"
 
-#include <string.h>
-
 #include <algorithm>
+#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -179,7 +178,7 @@ void SecureEntryGate::beginEpoch(Time now) {
 }
 
 void SecureEntryGate::hold(std::variant<InputEvent, Fence> item) {
-    held_.push_back({std::move(item), epoch_, holdEnd_});
+    held_.push_back({item, epoch_, holdEnd_});
     if (held_.size() == 1)
         outputs_.setTimer(releaseTime(holdEnd_));
 }
