@@ -29,14 +29,19 @@ struct InputSource {
 /// The shape of the physical keyboard.
 enum class PhysicalLayoutType { ansi, iso, jis };
 
-/// The desktop's input sources. Main thread only. Every call answers from the state at that moment:
-/// a change that another program made before the call is seen by it.
+/// The desktop's input sources. Main thread only. Every call but `knownSources()` answers from the
+/// state at that moment: a change that another program made before the call is seen by it.
 class InputSources {
 public:
     virtual ~InputSources() = default;
 
     /// In the desktop's order; absent when the desktop cannot tell.
     [[nodiscard]] virtual std::optional<std::vector<InputSource>> enabledSources() = 0;
+    /// The same from what the desktop has told so far, for somebody who looks again and again:
+    /// while nothing has changed, nobody is asked.
+    [[nodiscard]] virtual std::optional<std::vector<InputSource>> knownSources() {
+        return enabledSources();
+    }
     /// Absent when none is active or the desktop cannot tell.
     [[nodiscard]] virtual std::optional<InputSource> currentSource() = 0;
     /// Makes a source of `enabledSources()` the active one. True when it is active afterwards.

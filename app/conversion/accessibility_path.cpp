@@ -73,7 +73,8 @@ AXPathResult FocusedTextConverter::tryAXPath(AccessibilityElement& element,
             return {std::nullopt, true};
         }
         request.forgetTyped();
-        logger.info("AX path: it is not known what became of the text. Nothing more is sent.");
+        logger.info("AX path: the application did not answer, or took the text otherwise than "
+                    "asked. Nothing more is sent.");
         return {ConversionOutcome::noText(), true};
     }
     services.poster.sleep(verificationPause);

@@ -122,7 +122,8 @@ int main(int argc, char** argv) {
     Editor editor(desktop, EditorKind::gtk);
     isRepaired = isRepaired && measureLatency(desktop, editor, runs);
 
-    std::printf("second Shift release to the end of the correction, likewise:\n");
+    std::printf(
+        "second Shift release to repaired text and to the end of the correction, likewise:\n");
     isRepaired =
         isRepaired && measureSelectionLatency(desktop, editor, SelectionPath::accessibility, runs);
     const std::unique_ptr<TextApplication> field = openHiddenField(desktop);

@@ -10,7 +10,7 @@ namespace kelvora {
 
 std::vector<InputSourceChoice> InputSourceSwitcher::enabledLayouts(InputSources& sources) {
     std::vector<InputSourceChoice> choices;
-    auto enabled = sources.enabledSources();
+    auto enabled = sources.knownSources();
     if (!enabled)
         return choices;
     for (InputSource& source : *enabled) {

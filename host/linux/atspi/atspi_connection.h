@@ -20,8 +20,7 @@ inline constexpr const char* editableText = "org.a11y.atspi.EditableText";
 /// The root of all applications.
 inline const AtspiReference registryRoot{"org.a11y.atspi.Registry",
                                          "/org/a11y/atspi/accessible/root"};
-/// Where the paths of all applications' roots are, and the reference to nothing.
-inline constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
+/// The reference to nothing.
 inline constexpr const char* nullPath = "/org/a11y/atspi/null";
 } // namespace atspi
 

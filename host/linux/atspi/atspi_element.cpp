@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/atspi/atspi_element.h"
 
+#include "host/linux/atspi/atspi_questions.h"
 #include "host/linux/atspi/text_roles.h"
 
 #include <algorithm>
@@ -27,6 +28,10 @@ AccessibilityAttribute textValue(std::u16string text) {
 
 bool contains(const std::vector<std::string>& interfaces, const char* name) {
     return std::find(interfaces.begin(), interfaces.end(), name) != interfaces.end();
+}
+
+bool isSecret(std::uint32_t role) {
+    return textRoleOf(role, {}, TextRole::unknown) == TextRole::password;
 }
 
 } // namespace
@@ -56,15 +61,12 @@ AccessibilityError AtspiElement::setAttributeValue(std::string_view name,
 }
 
 AccessibilityAttribute AtspiElement::focusedChild() {
-    const auto states = session_->states(object_);
-    if (!states)
-        return failed(states.error);
-    const auto interfaces =
-        session_->call<std::vector<std::string>>(object_, atspi::accessible, "GetInterfaces");
-    if (!interfaces)
-        return failed(interfaces.error);
-    if (!states.value.has(AtspiState::focused) || contains(interfaces.value, atspi::text) ||
-        states.value.has(AtspiState::managesDescendants))
+    const auto [stateWords, interfaces] = session_->ask(object_, atspi::states, atspi::interfaces);
+    if (!stateWords || !interfaces)
+        return failed(stateWords ? interfaces.error : stateWords.error);
+    const AtspiStates states(stateWords.value);
+    if (!states.has(AtspiState::focused) || contains(interfaces.value, atspi::text) ||
+        states.has(AtspiState::managesDescendants))
         return failed(AccessibilityError::noValue);
     const auto count = session_->property<std::int32_t>(object_, atspi::accessible, "ChildCount");
     if (!count || count.value > static_cast<std::int32_t>(mostChildren))
@@ -84,13 +86,17 @@ AccessibilityAttribute AtspiElement::focusedChild() {
 }
 
 AccessibilityAttribute AtspiElement::selectedText() {
-    if (const BusError error = mayRead(); error != BusError::none)
-        return failed(error);
-    text().takeOutUnanswered();
-    const auto range = text().selection();
-    if (!range)
-        return failed(range.error);
-    auto selected = text().read(range.value);
+    if (session_->unanswered(object_)) {
+        if (const BusError error = mayRead(); error != BusError::none)
+            return failed(error);
+        text().takeOutUnanswered();
+    }
+    const auto place = text().place();
+    if (!place)
+        return failed(place.error);
+    if (isSecret(place.value.role))
+        return failed(BusError::unsupported);
+    auto selected = text().read(place.value.selection);
     if (!selected)
         return failed(selected.error);
     // What is inside such an object is selected too, and not in this text.
@@ -101,14 +107,14 @@ AccessibilityAttribute AtspiElement::selectedText() {
 }
 
 AccessibilityAttribute AtspiElement::wholeText() {
-    if (const BusError error = mayRead(); error != BusError::none)
-        return failed(error);
-    const auto length = text().length();
-    if (!length)
-        return failed(length.error);
+    const auto [role, length, caret] =
+        session_->ask(object_, atspi::role, atspi::length, atspi::caret);
+    if (!role || !length)
+        return failed(role ? length.error : role.error);
+    if (isSecret(role.value))
+        return failed(BusError::unsupported);
     AtspiRange range{0, length.value};
     if (length.value > longestValue) {
-        const auto caret = text().caret();
         if (!caret)
             return failed(caret.error);
         range.begin = std::clamp(caret.value - longestValue / 2, 0, length.value - longestValue);
@@ -123,20 +129,21 @@ AccessibilityAttribute AtspiElement::wholeText() {
 AccessibilityError AtspiElement::replaceSelection(std::u16string_view newText) {
     if (const BusError error = mayWrite(); error != BusError::none)
         return toAccessibilityError(error);
-    const auto range = text().selection();
-    if (!range)
-        return toAccessibilityError(range.error);
-    if (range.value.begin == range.value.end)
+    const auto place = text().place();
+    if (!place)
+        return toAccessibilityError(place.error);
+    const AtspiRange range = place.value.selection;
+    if (range.begin == range.end)
         return AccessibilityError::noValue;
-    const auto old = text().read(range.value);
+    // It must still be what the new text was made from.
+    if (lastSelected_)
+        return text().replace(range, *lastSelected_, newText, {}, newText.size());
+    const auto old = text().read(range);
     if (!old)
         return toAccessibilityError(old.error);
     if (old.value.find(objectReplacement) != std::u16string::npos)
         return AccessibilityError::attributeUnsupported;
-    // Another text than the new one was made from.
-    if (lastSelected_ && *lastSelected_ != old.value)
-        return AccessibilityError::failure;
-    return text().replace(range.value, old.value, newText, {}, newText.size());
+    return text().replace(range, old.value, newText, {}, newText.size());
 }
 
 TextRole AtspiElement::role() {
@@ -146,18 +153,21 @@ TextRole AtspiElement::role() {
 }
 
 BusReply<TextRole> AtspiElement::readTextRole() {
-    const auto role = session_->call<std::uint32_t>(object_, atspi::accessible, "GetRole");
-    const auto states = session_->states(object_);
+    const auto [role, states] = session_->ask(object_, atspi::role, atspi::states);
     if (!role || !states)
         return {role ? states.error : role.error, TextRole::unknown};
-    const TextRole found = textRoleOf(role.value, states.value, TextRole::singleLine);
-    if (found != TextRole::singleLine || states.value.has(AtspiState::singleLine))
+    return tellTextRole(role.value, AtspiStates(states.value));
+}
+
+BusReply<TextRole> AtspiElement::tellTextRole(std::uint32_t role, AtspiStates states) {
+    const TextRole found = textRoleOf(role, states, TextRole::singleLine);
+    if (found != TextRole::singleLine || states.has(AtspiState::singleLine))
         return {BusError::none, found};
     // Qt and GTK 4 leave their fields of one line unmarked. So do others their documents.
     const auto toolkit = session_->toolkit(object_);
     const TextRole unmarked =
         toolkit.value == Toolkit::other ? TextRole::multiLine : TextRole::singleLine;
-    const TextRole told = textRoleOf(role.value, states.value, unmarked);
+    const TextRole told = textRoleOf(role, states, unmarked);
     if (told != TextRole::singleLine)
         return {BusError::none, told};
     return {BusError::none, hasOneLine() ? TextRole::singleLine : TextRole::multiLine};
@@ -179,38 +189,33 @@ bool AtspiElement::hasOneLine() {
 
 BusError AtspiElement::mayRead() {
     const auto role = session_->call<std::uint32_t>(object_, atspi::accessible, "GetRole");
-    if (!role)
-        return role.error;
-    return textRoleOf(role.value, {}, TextRole::unknown) == TextRole::password
-               ? BusError::unsupported
-               : BusError::none;
+    return role && isSecret(role.value) ? BusError::unsupported : role.error;
 }
 
 BusError AtspiElement::mayWrite() {
-    const auto role = readTextRole();
+    const auto [roleNumber, stateWords, interfaces] =
+        session_->ask(object_, atspi::role, atspi::states, atspi::interfaces);
+    for (const BusError error : {roleNumber.error, stateWords.error, interfaces.error}) {
+        if (error != BusError::none)
+            return error;
+    }
+    const AtspiStates states(stateWords.value);
+    const auto role = tellTextRole(roleNumber.value, states);
     if (!role)
         return role.error;
     if (role.value != TextRole::singleLine && role.value != TextRole::multiLine)
         return BusError::unsupported;
-    const auto states = session_->states(object_);
-    if (!states)
-        return states.error;
     // GTK 4 knows only the second of the two.
-    const bool isEnabled =
-        states.value.has(AtspiState::enabled) || states.value.has(AtspiState::sensitive);
-    if (!isEnabled || states.value.has(AtspiState::defunct))
+    const bool isEnabled = states.has(AtspiState::enabled) || states.has(AtspiState::sensitive);
+    if (!isEnabled || states.has(AtspiState::defunct))
         return BusError::unsupported;
     // Qt's line edits (5.15, 6.4) take such a change for a new text, and forget what could be
     // undone: pasted text is taken as an edit.
     const auto toolkit = session_->toolkit(object_);
     if (!toolkit)
         return toolkit.error;
-    if (toolkit.value == Toolkit::qt && !states.value.has(AtspiState::multiLine))
+    if (toolkit.value == Toolkit::qt && !states.has(AtspiState::multiLine))
         return BusError::unsupported;
-    const auto interfaces =
-        session_->call<std::vector<std::string>>(object_, atspi::accessible, "GetInterfaces");
-    if (!interfaces)
-        return interfaces.error;
     return contains(interfaces.value, atspi::editableText) ? BusError::none : BusError::unsupported;
 }
 

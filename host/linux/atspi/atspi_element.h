@@ -36,6 +36,7 @@ private:
     [[nodiscard]] AccessibilityError replaceSelection(std::u16string_view text);
 
     [[nodiscard]] BusReply<TextRole> readTextRole();
+    [[nodiscard]] BusReply<TextRole> tellTextRole(std::uint32_t role, AtspiStates states);
     [[nodiscard]] bool hasOneLine();
     /// `none` where the text may be read: there is one, and it is not secret.
     [[nodiscard]] BusError mayRead();

@@ -16,24 +16,22 @@ std::optional<TextStretch> AtspiElement::textAroundCaret(std::size_t reach) {
     if (!session_->begin() || mayWrite() != BusError::none)
         return std::nullopt;
     text().takeOutUnanswered();
-    const auto selection = text().selection();
-    const auto length = text().length();
-    const auto caret = text().caret();
-    if (!selection || selection.value.begin != selection.value.end || !length || !caret ||
-        caret.value < 0 || caret.value > length.value)
+    const auto place = text().place();
+    const auto [role, length, caret, selection] = place.value;
+    if (!place || selection.begin != selection.end || caret < 0 || caret > length)
         return std::nullopt;
     const auto span = static_cast<std::int32_t>(std::min(reach, furthestReach) + cuttingReach);
-    const std::int32_t begin = std::max(caret.value - span, 0);
-    const std::int32_t end = caret.value + std::min(length.value - caret.value, span);
+    const std::int32_t begin = std::max(caret - span, 0);
+    const std::int32_t end = caret + std::min(length - caret, span);
     // Read in two, so that where the caret is does not depend on how the application counts.
-    const auto before = text().read({begin, caret.value});
-    const auto behind = text().read({caret.value, end});
+    const auto before = text().read({begin, caret});
+    const auto behind = text().read({caret, end});
     if (!before || !behind)
         return std::nullopt;
 
     TextStretch stretch;
     stretch.beginsAtStart = begin == 0;
-    stretch.endsAtEnd = end == length.value;
+    stretch.endsAtEnd = end == length;
     const std::size_t cutBefore = stretch.beginsAtStart ? 0 : firstCertainBoundary(before.value);
     const std::size_t cutBehind =
         stretch.endsAtEnd ? behind.value.size() : lastCertainBoundary(behind.value);
@@ -64,15 +62,12 @@ AccessibilityError AtspiElement::replace(const TextStretch& stretch, std::size_t
                                          lengthIn(text().unit(), whole.substr(0, index)));
     };
     const auto found = text().read({offsetOf(0), offsetOf(whole.size())});
-    const auto selection = text().selection();
-    const auto caretNow = text().caret();
-    if (!found || !selection || !caretNow)
-        return toAccessibilityError(!found       ? found.error
-                                    : !selection ? selection.error
-                                                 : caretNow.error);
+    const auto place = text().place();
+    if (!found || !place)
+        return toAccessibilityError(found ? place.error : found.error);
     // Typed on, moved or selected meanwhile: it is another text now.
-    if (found.value != whole || selection.value.begin != selection.value.end ||
-        caretNow.value != offsetOf(stretch.caret))
+    if (found.value != whole || place.value.selection.begin != place.value.selection.end ||
+        place.value.caret != offsetOf(stretch.caret))
         return AccessibilityError::failure;
     return text().replace({offsetOf(begin), offsetOf(end)}, old, replacement, whole.substr(end),
                           caret);

@@ -84,6 +84,11 @@ bool AtspiFocusNotices::subscribe(BusConnection::Clock::time_point end) {
     });
     listen(object + "member='PropertyChange',arg0='accessible-role'",
            [this](const BusSignal& signal) { note(Kind::roleChanged, source(signal)); });
+    listen("sender='org.a11y.atspi.Registry'," + object + "member='ChildrenChanged',arg0='add'",
+           [this](const BusSignal& signal) {
+               if (const auto* application = argument<AtspiReference>(signal, 3))
+                   note(Kind::applicationCame, *application);
+           });
     // GTK 4 writes the names in small letters.
     const std::pair<const char*, Kind> windowEvents[] = {{"Activate", Kind::windowActivated},
                                                          {"activate", Kind::windowActivated},

@@ -16,7 +16,9 @@ struct AtspiFocusNotice {
         focusLost,
         windowActivated,
         windowDeactivated,
+        windowFound, ///< active when it was asked; no application tells that
         roleChanged,
+        applicationCame, ///< its root; it may not tell of its windows yet
         applicationGone, ///< the path means nothing
     };
     Kind kind;

@@ -73,24 +73,37 @@ AtspiFocusSearch::Step AtspiFocusSearch::step(BusConnection& connection) {
     return Step::goOn;
 }
 
+std::vector<AtspiReference> applicationsOn(BusConnection& connection) {
+    std::vector<AtspiReference> applications = childrenOf(connection, atspi::registryRoot);
+    connection.clearDeadline();
+    return applications;
+}
+
+std::vector<AtspiReference> activeWindowsOf(BusConnection& connection,
+                                            const AtspiReference& application) {
+    std::vector<AtspiReference> windows = childrenOf(connection, application);
+    windows.resize(std::min(windows.size(), mostWindows));
+    bool isAnswering = true;
+    std::erase_if(windows, [&](const AtspiReference& window) {
+        const auto states = isAnswering ? statesOf(connection, window)
+                                        : BusReply<AtspiStates>{BusError::notAsked, {}};
+        isAnswering = !isWithoutAnswer(states.error);
+        return !states.value.has(AtspiState::active);
+    });
+    connection.clearDeadline();
+    return windows;
+}
+
 std::vector<AtspiReference> findActiveWindows(BusConnection& connection,
                                               const std::function<bool()>& isStopping) {
     const auto end = Clock::now() + longestLookAtWindows;
-    const auto isOver = [&] { return Clock::now() >= end || isStopping(); };
     std::vector<AtspiReference> active;
-    for (const AtspiReference& application : childrenOf(connection, atspi::registryRoot)) {
-        if (isOver())
+    for (const AtspiReference& application : applicationsOn(connection)) {
+        if (Clock::now() >= end || isStopping())
             break;
-        std::vector<AtspiReference> windows = childrenOf(connection, application);
-        windows.resize(std::min(windows.size(), mostWindows));
-        for (const AtspiReference& window : windows) {
-            if (isOver())
-                break;
-            if (statesOf(connection, window).value.has(AtspiState::active))
-                active.push_back(window);
-        }
+        for (AtspiReference& window : activeWindowsOf(connection, application))
+            active.push_back(std::move(window));
     }
-    connection.clearDeadline();
     return active;
 }
 

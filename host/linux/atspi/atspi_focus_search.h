@@ -43,6 +43,11 @@ private:
     std::optional<AtspiReference> found_;
 };
 
+/// The roots of all applications on the bus.
+[[nodiscard]] std::vector<AtspiReference> applicationsOn(BusConnection& connection);
+/// The application's windows that are active now; none when it does not answer in a short time.
+[[nodiscard]] std::vector<AtspiReference> activeWindowsOf(BusConnection& connection,
+                                                          const AtspiReference& application);
 /// The windows that are active now, of all applications that answer in a short time. Ends early
 /// when `isStopping` says so.
 [[nodiscard]] std::vector<AtspiReference>

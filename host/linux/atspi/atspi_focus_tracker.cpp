@@ -4,9 +4,12 @@
 namespace kelvora {
 
 void AtspiFocusTracker::windowActivated(const AtspiReference& window) {
-    Application& application = applications_[window.busName];
-    application.tellsOfWindows = true;
-    application.activeWindow = window.path;
+    applications_[window.busName].tellsOfWindows = true;
+    windowFound(window);
+}
+
+void AtspiFocusTracker::windowFound(const AtspiReference& window) {
+    applications_[window.busName].activeWindow = window.path;
     activate(window.busName);
 }
 

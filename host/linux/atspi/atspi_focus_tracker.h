@@ -22,6 +22,8 @@ struct AtspiObjectKind {
 class AtspiFocusTracker {
 public:
     void windowActivated(const AtspiReference& window);
+    /// It is active, and was not told to be: perhaps its application never tells.
+    void windowFound(const AtspiReference& window);
     void windowDeactivated(const AtspiReference& window);
     void focusGained(const AtspiReference& object, AtspiObjectKind kind);
     void focusLost(const AtspiReference& object);

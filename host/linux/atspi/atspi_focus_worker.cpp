@@ -43,16 +43,6 @@ AtspiFocusWorker::~AtspiFocusWorker() {
     thread_.join();
 }
 
-std::optional<AtspiReference> AtspiFocusWorker::focusedElement(std::int32_t process) const {
-    const std::lock_guard lock(mutex_);
-    return tracker_.focusedElement(process);
-}
-
-std::optional<AtspiReference> AtspiFocusWorker::focusedElement() const {
-    const std::lock_guard lock(mutex_);
-    return tracker_.focusedElement();
-}
-
 std::vector<FocusReport> AtspiFocusWorker::takeReports() {
     // The descriptor changes with the list, under the same lock: asked for every key, this costs no
     // call of the system as long as there is nothing.
@@ -60,11 +50,6 @@ std::vector<FocusReport> AtspiFocusWorker::takeReports() {
     if (!reports_.empty())
         reported_.clear();
     return std::exchange(reports_, {});
-}
-
-void AtspiFocusWorker::confirm() {
-    isDoubted_ = true;
-    woken_.wake();
 }
 
 void AtspiFocusWorker::run() {
@@ -83,6 +68,7 @@ void AtspiFocusWorker::run() {
         unanswered_.reset();
         silentWindow_.reset();
         search_.reset();
+        newcomers_ = {};
         told_.clear();
         lossEnd_.reset();
         confirmAt_.reset();
@@ -131,8 +117,11 @@ void AtspiFocusWorker::follow() {
         tracker_ = {};
     }
     report(FocusSecrecy::pending);
-    for (const AtspiReference& window : findActiveWindows(bus(), [this] { return !!isStopping_; }))
-        handle({Kind::windowActivated, window});
+    const auto windows = findActiveWindows(bus(), [this] { return !!isStopping_; });
+    for (const AtspiReference& window : windows)
+        handle({Kind::windowFound, window});
+    if (windows.empty()) // they may only just have come, too
+        newcomers_.addAll(bus());
     reportFocus();
     while (!isStopping_ && notices_->dispatch()) {
         while (const std::optional<AtspiFocusNotice> notice = notices_->take())
@@ -141,6 +130,7 @@ void AtspiFocusWorker::follow() {
         askAgain();
         reportLoss();
         confirmSecret();
+        lookAtNewcomers();
         search();
         if (!search_)
             pause(&bus(), timeToNextTask());
@@ -148,7 +138,7 @@ void AtspiFocusWorker::follow() {
 }
 
 milliseconds AtspiFocusWorker::timeToNextTask() const {
-    std::optional<Clock::time_point> next;
+    std::optional<Clock::time_point> next = newcomers_.next();
     const auto consider = [&next](Clock::time_point time) {
         next = next ? std::min(*next, time) : time;
     };
@@ -178,8 +168,12 @@ void AtspiFocusWorker::handle(const AtspiFocusNotice& notice) {
     case Kind::focusLost:
         handleLoss(notice.object);
         return;
+    case Kind::applicationCame:
+        newcomers_.add(notice.object);
+        return;
     case Kind::windowActivated:
     case Kind::windowDeactivated:
+    case Kind::windowFound:
     case Kind::applicationGone:
         handleWindow(notice);
         return;
@@ -225,16 +219,20 @@ void AtspiFocusWorker::handleLoss(const AtspiReference& object) {
 void AtspiFocusWorker::handleWindow(const AtspiFocusNotice& notice) {
     const std::string& busName = notice.object.busName;
     const std::string before = tracker_.active();
+    newcomers_.remove(busName);
     {
         const std::lock_guard lock(mutex_);
         if (notice.kind == Kind::windowActivated)
             tracker_.windowActivated(notice.object);
         else if (notice.kind == Kind::windowDeactivated)
             tracker_.windowDeactivated(notice.object);
+        else if (notice.kind == Kind::windowFound)
+            tracker_.windowFound(notice.object);
         else
             tracker_.applicationGone(busName);
     }
-    const bool isActivated = notice.kind == Kind::windowActivated;
+    const bool isActivated =
+        notice.kind == Kind::windowActivated || notice.kind == Kind::windowFound;
     if (!isActivated && !tracker_.hasAnyFocus(busName))
         told_.erase(busName);
     const bool isOther = tracker_.active() != before;
@@ -342,6 +340,11 @@ void AtspiFocusWorker::search() {
         reportFocus();
 }
 
+void AtspiFocusWorker::lookAtNewcomers() {
+    for (const AtspiReference& window : newcomers_.look(bus()))
+        handle({Kind::windowFound, window});
+}
+
 void AtspiFocusWorker::reportLoss() {
     if (lossEnd_ && !unanswered_ && Clock::now() >= *lossEnd_)
         reportFocus();
@@ -364,10 +367,6 @@ void AtspiFocusWorker::confirmSecret() {
         tracker_.focusLost(*object);
     }
     reportFocus();
-}
-
-bool AtspiFocusWorker::isFocusUnknown() const {
-    return unanswered_ || (silentWindow_ && !silentWindow_->wasSearched);
 }
 
 void AtspiFocusWorker::reportFocus() {

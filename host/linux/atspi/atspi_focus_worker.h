@@ -4,6 +4,7 @@
 #include "host/linux/atspi/atspi_focus_notices.h"
 #include "host/linux/atspi/atspi_focus_search.h"
 #include "host/linux/atspi/atspi_focus_tracker.h"
+#include "host/linux/atspi/atspi_newcomers.h"
 #include "host/linux/atspi/wake_descriptor.h"
 
 #include <atomic>
@@ -27,13 +28,22 @@ public:
     AtspiFocusWorker(const AtspiFocusWorker&) = delete;
     AtspiFocusWorker& operator=(const AtspiFocusWorker&) = delete;
 
-    [[nodiscard]] std::optional<AtspiReference> focusedElement(std::int32_t process) const;
-    [[nodiscard]] std::optional<AtspiReference> focusedElement() const;
+    [[nodiscard]] std::optional<AtspiReference> focusedElement(std::int32_t process) const {
+        const std::lock_guard lock(mutex_);
+        return tracker_.focusedElement(process);
+    }
+    [[nodiscard]] std::optional<AtspiReference> focusedElement() const {
+        const std::lock_guard lock(mutex_);
+        return tracker_.focusedElement();
+    }
 
     /// Readable while there are reports to take.
     [[nodiscard]] int reportDescriptor() const { return reported_.descriptor(); }
     [[nodiscard]] std::vector<FocusReport> takeReports();
-    void confirm();
+    void confirm() {
+        isDoubted_ = true;
+        woken_.wake();
+    }
 
 private:
     using Clock = BusConnection::Clock;
@@ -65,9 +75,12 @@ private:
     void learnProcess(const std::string& busName);
     void askAgain();
     void search();
+    void lookAtNewcomers();
     void reportLoss();
     void confirmSecret();
-    [[nodiscard]] bool isFocusUnknown() const;
+    [[nodiscard]] bool isFocusUnknown() const {
+        return unanswered_ || (silentWindow_ && !silentWindow_->wasSearched);
+    }
     void reportFocus();
     void report(FocusSecrecy secrecy);
     [[nodiscard]] BusConnection& bus() { return notices_->connection(); }
@@ -86,6 +99,7 @@ private:
     /// The active window, when it was activated without word of a focus; to be searched for it.
     std::optional<Question> silentWindow_;
     std::optional<AtspiFocusSearch> search_; ///< of the silent window
+    AtspiNewcomers newcomers_;
     /// By bus name, what other applications have told of their focus last. They are asked what it
     /// is when they become active.
     std::map<std::string, std::vector<AtspiReference>> told_;

@@ -11,10 +11,6 @@ constexpr std::chrono::seconds longestMemory{30};
 
 } // namespace
 
-bool isWithoutAnswer(BusError error) {
-    return error == BusError::timedOut || error == BusError::notAsked || error == BusError::lost;
-}
-
 AccessibilityError toAccessibilityError(BusError error) {
     switch (error) {
     case BusError::none:

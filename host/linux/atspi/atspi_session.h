@@ -3,12 +3,14 @@
 
 #include "host/accessibility.h"
 #include "host/linux/atspi/atspi_connection.h"
+#include "host/linux/atspi/bus_batch.h"
 #include "host/linux/atspi/text_units.h"
 
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace kelvora {
 
@@ -18,8 +20,6 @@ enum class Toolkit {
     qt,
 };
 
-/// The application or the bus did not answer: asking on has no sense.
-[[nodiscard]] bool isWithoutAnswer(BusError error);
 [[nodiscard]] AccessibilityError toAccessibilityError(BusError error);
 
 /// A text that an application was asked to put in without answering: it may be there later.
@@ -53,7 +53,7 @@ public:
     template <typename Value>
     [[nodiscard]] BusReply<Value> call(const AtspiReference& object, const char* interface,
                                        const char* method,
-                                       BusConnection::Arguments arguments = {}) {
+                                       const BusConnection::Arguments& arguments = {}) {
         BusReply<Value> reply{mayAsk(object), {}};
         if (reply.error == BusError::none)
             reply = connection_->call<Value>(object, interface, method, arguments);
@@ -68,6 +68,25 @@ public:
             reply = connection_->property<Value>(object, interface, name);
         note(object, reply.error);
         return reply;
+    }
+    /// Several BusMethod and BusProperty of one object at once: hardly longer than one.
+    template <typename... Questions>
+    [[nodiscard]] std::tuple<BusReply<typename Questions::Value>...>
+    ask(const AtspiReference& object, const Questions&... questions) {
+        const BusError refusal = mayAsk(object);
+        std::tuple<BusReply<typename Questions::Value>...> replies(
+            BusReply<typename Questions::Value>{refusal, {}}...);
+        if (refusal != BusError::none)
+            return replies;
+        std::apply(
+            [&](auto&... reply) {
+                BusBatch batch(*connection_);
+                (batch.add(object, questions, reply), ...);
+                batch.awaitReplies();
+            },
+            replies);
+        std::apply([&](const auto&... reply) { (note(object, reply.error), ...); }, replies);
+        return replies;
     }
     [[nodiscard]] BusReply<AtspiStates> states(const AtspiReference& object);
     [[nodiscard]] BusReply<Toolkit> toolkit(const AtspiReference& object);

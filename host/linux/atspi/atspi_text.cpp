@@ -2,6 +2,7 @@
 #include "host/linux/atspi/atspi_text.h"
 
 #include "core/text/encoding.h"
+#include "host/linux/atspi/atspi_questions.h"
 #include "host/linux/atspi/text_roles.h"
 
 namespace kelvora {
@@ -15,45 +16,39 @@ BusReply<std::int32_t> AtspiText::length() {
     return session_.property<std::int32_t>(object_, atspi::text, "CharacterCount");
 }
 
-BusReply<std::int32_t> AtspiText::caret() {
-    return session_.property<std::int32_t>(object_, atspi::text, "CaretOffset");
-}
-
 OffsetUnit AtspiText::unit() {
     return session_.offsetUnit(object_).value_or(OffsetUnit::codePoint);
 }
 
-BusReply<AtspiRange> AtspiText::selection() {
-    const auto count = session_.call<std::int32_t>(object_, atspi::text, "GetNSelections");
-    if (!count)
-        return {count.error, {}};
-    AtspiRange found;
-    // Empty selections are carets of their own where an application has several.
-    for (std::int32_t index = 0; index < count.value; ++index) {
-        const auto reply = session_.call<std::pair<std::int32_t, std::int32_t>>(
-            object_, atspi::text, "GetSelection", {index});
-        if (!reply)
-            return {reply.error, {}};
-        const auto [begin, end] = reply.value;
+BusReply<AtspiTextPlace> AtspiText::place() {
+    const auto [count, selection, total, position, role] =
+        session_.ask(object_, atspi::selectionCount, atspi::firstSelection, atspi::length,
+                     atspi::caret, atspi::role);
+    for (const BusError error : {count.error, total.error}) {
+        if (error != BusError::none)
+            return {error, {}};
+    }
+    if (isWithoutAnswer(position.error))
+        return {position.error, {}};
+    AtspiTextPlace found{role.value, total.value, position ? position.value : -1, {}};
+    if (count.value > 0) {
+        if (!selection)
+            return {selection.error, {}};
+        const auto [begin, end] = selection.value;
         if (count.value > 1 || begin < 0 || end < begin)
             return {BusError::unsupported, {}};
-        found = {begin, end};
+        found.selection = {begin, end};
     }
-    const auto total = length();
-    if (!total)
-        return {total.error, {}};
-    AtspiRange place = found;
-    if (found.begin == found.end) {
-        // With the caret at an edge, the selection may end there and be in the neighbour only.
-        const auto position = caret();
-        if (!position)
-            return {isWithoutAnswer(position.error) ? position.error : BusError::none, found};
-        place = {position.value, position.value};
-    }
+    AtspiRange edges = found.selection;
+    // With the caret at an edge, the selection may end there and be in the neighbour only.
+    if (edges.begin == edges.end)
+        edges = {found.caret, found.caret};
     for (const auto& [isAtEdge, step] :
-         {std::pair{place.begin == 0, -1}, std::pair{place.end == total.value, 1}}) {
+         {std::pair{edges.begin == 0, -1}, std::pair{edges.end == total.value, 1}}) {
+        if (!isAtEdge)
+            continue;
         const auto goesOn =
-            isAtEdge ? isSelectedBeyond(step) : BusReply<bool>{BusError::none, false};
+            role ? isSelectedBeyond(step, role.value) : BusReply<bool>{role.error, false};
         if (!goesOn || goesOn.value)
             return {goesOn ? BusError::unsupported : goesOn.error, {}};
     }
@@ -61,10 +56,9 @@ BusReply<AtspiRange> AtspiText::selection() {
 }
 
 /// Whether the texts of the same document before (-1) or behind (1) have a part of the selection.
-BusReply<bool> AtspiText::isSelectedBeyond(int step) {
-    const auto role = session_.call<std::uint32_t>(object_, atspi::accessible, "GetRole");
-    if (!role || !isPartOfDocument(role.value))
-        return {role.error, false};
+BusReply<bool> AtspiText::isSelectedBeyond(int step, std::uint32_t role) {
+    if (!isPartOfDocument(role))
+        return {};
     const auto index = session_.call<std::int32_t>(object_, atspi::accessible, "GetIndexInParent");
     const auto parent = session_.property<AtspiReference>(object_, atspi::accessible, "Parent");
     if (!index || !parent)
@@ -100,8 +94,11 @@ BusReply<std::u16string> AtspiText::read(AtspiRange range) {
         return {BusError::refused, {}};
     if (range.begin == range.end)
         return {};
-    auto reply =
-        session_.call<std::string>(object_, atspi::text, "GetText", {range.begin, range.end});
+    return received(range, session_.call<std::string>(object_, atspi::text, "GetText",
+                                                      {range.begin, range.end}));
+}
+
+BusReply<std::u16string> AtspiText::received(AtspiRange range, const BusReply<std::string>& reply) {
     if (!reply)
         return {reply.error, {}};
     BusReply<std::u16string> text{BusError::none, toUtf16(reply.value)};

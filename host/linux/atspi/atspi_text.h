@@ -18,6 +18,14 @@ struct AtspiRange {
     friend bool operator==(const AtspiRange&, const AtspiRange&) = default;
 };
 
+/// Where a text is being edited, as of one moment.
+struct AtspiTextPlace {
+    std::uint32_t role = 0; ///< AtspiRole
+    std::int32_t length = 0;
+    std::int32_t caret = -1; ///< negative when that is not told
+    AtspiRange selection;    ///< empty when nothing is selected
+};
+
 /// Stands for a picture, a note or the like in a text; written as text it would replace that.
 inline constexpr char16_t objectReplacement = u'\xFFFC';
 
@@ -29,11 +37,9 @@ public:
 
     /// `unsupported` when the object has no text.
     [[nodiscard]] BusReply<std::int32_t> length();
-    [[nodiscard]] BusReply<std::int32_t> caret();
-    /// The one selection that is not empty; an empty range when there is none. `unsupported` for
-    /// several, or one that goes on in the neighbours or is there altogether: part of a selection
-    /// is not what the user selected.
-    [[nodiscard]] BusReply<AtspiRange> selection();
+    /// `unsupported` for several selections, or one that goes on in the neighbours or is there
+    /// altogether: part of a selection is not what the user selected.
+    [[nodiscard]] BusReply<AtspiTextPlace> place();
     /// Exactly that part; `refused` when the application gives more or less than it was asked for.
     [[nodiscard]] BusReply<std::u16string> read(AtspiRange range);
 
@@ -66,7 +72,10 @@ private:
                                std::u16string_view behind);
     void placeCaret(std::int32_t position);
     [[nodiscard]] bool holds(AtspiRange range, std::u16string_view text);
-    [[nodiscard]] BusReply<bool> isSelectedBeyond(int step);
+    /// Exactly the text of that range, as `GetText` gave it.
+    [[nodiscard]] BusReply<std::u16string> received(AtspiRange range,
+                                                    const BusReply<std::string>& reply);
+    [[nodiscard]] BusReply<bool> isSelectedBeyond(int step, std::uint32_t role);
 
     AtspiSession& session_;
     AtspiReference object_;

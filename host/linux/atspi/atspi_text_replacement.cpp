@@ -2,6 +2,7 @@
 #include "host/linux/atspi/atspi_text.h"
 
 #include "core/text/encoding.h"
+#include "host/linux/atspi/atspi_questions.h"
 
 #include <algorithm>
 #include <limits>
@@ -25,10 +26,11 @@ AccessibilityError AtspiText::replace(AtspiRange range, std::u16string_view old,
                                       std::u16string_view following, std::size_t caret) {
     if (!canBeSent(replacement) || replacement.size() > longestText)
         return AccessibilityError::failure;
-    const auto lengthBefore = length();
+    const auto [lengthBefore, oldText] =
+        session_.ask(object_, atspi::length, atspi::textBetween(range.begin, range.end));
     if (!lengthBefore)
         return toAccessibilityError(lengthBefore.error);
-    const auto found = read(range);
+    const auto found = received(range, oldText);
     if (!found || found.value != old)
         return toAccessibilityError(found ? BusError::refused : found.error);
     const std::int32_t behindEnd =
@@ -39,32 +41,35 @@ AccessibilityError AtspiText::replace(AtspiRange range, std::u16string_view old,
     if (const auto toolkit = session_.toolkit(object_); !toolkit)
         return toAccessibilityError(toolkit.error);
 
+    const std::int32_t before = lengthBefore.value;
     const auto leaveUnanswered = [&] {
         session_.remember({object_, range.end, std::u16string(old), std::u16string(replacement),
-                           behind.value, lengthBefore.value});
+                           behind.value, before});
         return AccessibilityError::cannotComplete;
     };
     const auto takeBack = [&](BusError error) {
-        return takeOut(range, old, lengthBefore.value, behind.value)
-                   ? toAccessibilityError(error)
-                   : AccessibilityError::cannotComplete;
+        return takeOut(range, old, before, behind.value) ? toAccessibilityError(error)
+                                                         : AccessibilityError::cannotComplete;
     };
     // From here on it is finished or taken back, whatever time the questions took.
     session_.extend(BusConnection::longestCall);
-    const Insertion insertion = insert(range, old, replacement, lengthBefore.value);
+    const Insertion insertion = insert(range, old, replacement, before);
     if (isWithoutAnswer(insertion.error))
         return leaveUnanswered();
     if (insertion.error != BusError::none)
         return takeBack(insertion.error);
-    const BusError erased = erase(range);
-    if (isWithoutAnswer(erased))
+    const AtspiRange replaced{range.begin, range.begin + insertion.length};
+    const auto [erased, lengthNow, newText] =
+        session_.ask(object_, atspi::deleteText(range.begin, range.end), atspi::length,
+                     atspi::textBetween(replaced.begin, replaced.end));
+    if (isWithoutAnswer(erased.error))
         return leaveUnanswered(); // if it was asked it will do so, and then nothing is left
-    const auto lengthNow = length();
     // It keeps its old text, for a reason of its own.
-    if (lengthNow && lengthNow.value == lengthBefore.value + insertion.length)
+    if (lengthNow && lengthNow.value == before + insertion.length)
         return takeBack(BusError::refused);
     // An application that corrects what it is given would do the same to the old text.
-    if (!lengthNow || !holds({range.begin, range.begin + insertion.length}, replacement))
+    if (const auto now = received(replaced, newText);
+        !lengthNow || !now || now.value != replacement)
         return AccessibilityError::cannotComplete;
     const std::u16string line = joined(replacement, following);
     placeCaret(range.begin + static_cast<std::int32_t>(
@@ -79,16 +84,21 @@ AtspiText::Insertion AtspiText::insert(AtspiRange range, std::u16string_view old
     // An unknown toolkit is taken by the interface's word; what comes out is read back anyway.
     const auto toolkit = session_.toolkit(object_);
     const std::size_t size = toolkit.value == Toolkit::qt ? text.size() : utf8.size();
-    const auto inserted = session_.call<bool>(object_, atspi::editableText, "InsertText",
-                                              {range.end, utf8, static_cast<std::int32_t>(size)});
+    // As far as it is known how the application counts.
+    const auto expected = static_cast<std::int32_t>(lengthIn(unit(), text));
+    const AtspiRange both{range.begin, range.end + expected};
+    const auto [inserted, lengthAfter, bothText] =
+        session_.ask(object_, atspi::insertText(range.end, utf8, static_cast<std::int32_t>(size)),
+                     atspi::length, atspi::textBetween(both.begin, both.end));
     if (!inserted)
         return {inserted.error, 0};
-    const auto lengthAfter = length();
     if (!lengthAfter)
         return {lengthAfter.error, 0};
     const std::int32_t growth = lengthAfter.value - lengthBefore;
-    const auto check = growth > 0 ? read({range.begin, range.end + growth})
-                                  : BusReply<std::u16string>{BusError::refused, {}};
+    auto check = BusReply<std::u16string>{BusError::refused, {}};
+    if (growth > 0)
+        check =
+            growth == expected ? received(both, bothText) : read({range.begin, range.end + growth});
     if (!check)
         return {check.error, 0};
     return {check.value == joined(old, text) ? BusError::none : BusError::refused, growth};
@@ -140,16 +150,19 @@ void AtspiText::takeOutUnanswered() {
 }
 
 void AtspiText::placeCaret(std::int32_t position) {
+    bool isSelected = false;
     for (int attempt = 0; attempt < 2; ++attempt) {
-        const auto moved = session_.call<bool>(object_, atspi::text, "SetCaretOffset", {position});
+        const auto [moved, now, count, selection] =
+            session_.ask(object_, atspi::setCaret(position), atspi::caret, atspi::selectionCount,
+                         atspi::firstSelection);
         if (!moved)
             return;
-        if (const auto now = caret(); now && now.value == position)
+        isSelected = count.value == 1 && selection.value.first != selection.value.second;
+        if (now && now.value == position)
             break;
     }
     // Some applications keep what is left of the selection.
-    const auto range = selection();
-    if (range && range.value.begin != range.value.end)
+    if (isSelected)
         static_cast<void>(session_.call<bool>(object_, atspi::text, "RemoveSelection", {0}));
 }
 

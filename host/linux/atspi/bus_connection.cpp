@@ -8,10 +8,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <deque>
 #include <limits>
-#include <string_view>
 
 namespace kelvora {
 namespace {
@@ -29,42 +27,6 @@ struct ErrorGuard {
 
 const AtspiReference busDriver{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
 constexpr const char* driverInterface = "org.freedesktop.DBus";
-constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
-
-BusError errorOf(int result, const sd_bus_error& error) {
-    if (result >= 0)
-        return BusError::none;
-    if (error.name != nullptr) {
-        constexpr std::string_view prefix = "org.freedesktop.DBus.Error.";
-        std::string_view name = error.name;
-        if (name.substr(0, prefix.size()) == prefix)
-            name.remove_prefix(prefix.size());
-        for (const std::string_view gone :
-             {"ServiceUnknown", "NameHasNoOwner", "UnknownObject", "NoReply", "Disconnected"}) {
-            if (name == gone)
-                return BusError::gone;
-        }
-        for (const std::string_view unsupported :
-             {"UnknownMethod", "UnknownInterface", "UnknownProperty", "NotSupported"}) {
-            if (name == unsupported)
-                return BusError::unsupported;
-        }
-        if (name == "Timeout" || name == "TimedOut")
-            return BusError::timedOut;
-    }
-    switch (-result) {
-    case ETIMEDOUT:
-        return BusError::timedOut;
-    case ENOTCONN:
-    case ECONNRESET:
-    case ECONNREFUSED:
-    case EPIPE:
-    case ESHUTDOWN:
-        return BusError::lost;
-    default:
-        return BusError::refused;
-    }
-}
 
 struct BusDeleter {
     // What is still to be sent is flushed by nobody: the peer may have stopped reading.
@@ -116,6 +78,10 @@ BusConnection::BusConnection(std::unique_ptr<Bus> bus) : bus_(std::move(bus)) {}
 
 BusConnection::~BusConnection() = default;
 
+sd_bus* BusConnection::handle() const {
+    return bus_->handle.get();
+}
+
 std::unique_ptr<BusConnection> BusConnection::open(const std::string& address) {
     sd_bus* raw = nullptr;
     if (sd_bus_new(&raw) < 0)
@@ -152,17 +118,16 @@ std::unique_ptr<BusConnection> BusConnection::openSession() {
 
 template <typename Value>
 BusReply<Value> BusConnection::call(const AtspiReference& object, const char* interface,
-                                    const char* method, Arguments arguments) {
-    const MessageHandle message = newCall(bus_->handle.get(), object, interface, method, arguments);
+                                    const char* method, const Arguments& arguments) {
+    const MessageHandle message = newCall(handle(), object, interface, method, arguments);
     if (!message)
-        return {sd_bus_is_open(bus_->handle.get()) > 0 ? BusError::refused : BusError::lost, {}};
+        return {sd_bus_is_open(handle()) > 0 ? BusError::refused : BusError::lost, {}};
     const std::uint64_t time = timeLeft();
     if (time == 0)
         return {BusError::notAsked, {}};
     ErrorGuard guard;
     sd_bus_message* rawReply = nullptr;
-    const int result =
-        sd_bus_call(bus_->handle.get(), message.get(), time, &guard.error, &rawReply);
+    const int result = sd_bus_call(handle(), message.get(), time, &guard.error, &rawReply);
     const MessageHandle reply(rawReply);
     if (result < 0)
         return {errorOf(result, guard.error), {}};
@@ -170,13 +135,6 @@ BusReply<Value> BusConnection::call(const AtspiReference& object, const char* in
     if (!readValue(reply.get(), answer.value))
         return {BusError::refused, {}};
     return answer;
-}
-
-bool BusConnection::send(const AtspiReference& object, const char* interface, const char* method,
-                         Arguments arguments) {
-    const MessageHandle message = newCall(bus_->handle.get(), object, interface, method, arguments);
-    return message && sd_bus_message_set_expect_reply(message.get(), 0) >= 0 &&
-           sd_bus_send(bus_->handle.get(), message.get(), nullptr) >= 0;
 }
 
 template <typename Value>
@@ -189,15 +147,14 @@ BusReply<Value> BusConnection::property(const AtspiReference& object, const char
 
 BusError BusConnection::setProperty(const AtspiReference& object, const char* interface,
                                     const char* name, bool value) {
-    const MessageHandle message =
-        newPropertySet(bus_->handle.get(), object, interface, name, value);
+    const MessageHandle message = newPropertySet(handle(), object, interface, name, value);
     if (!message)
         return BusError::lost;
     const std::uint64_t time = timeLeft();
     if (time == 0)
         return BusError::notAsked;
     ErrorGuard guard;
-    const int result = sd_bus_call(bus_->handle.get(), message.get(), time, &guard.error, nullptr);
+    const int result = sd_bus_call(handle(), message.get(), time, &guard.error, nullptr);
     return errorOf(result, guard.error);
 }
 
@@ -208,15 +165,14 @@ BusReply<std::uint32_t> BusConnection::processOf(const std::string& busName) {
 bool BusConnection::subscribe(const std::string& rule,
                               std::function<void(const BusSignal&)> handler) {
     bus_->handlers.push_back(std::move(handler));
-    return sd_bus_add_match(bus_->handle.get(), nullptr, rule.c_str(), handOver,
-                            &bus_->handlers.back()) >= 0;
+    return sd_bus_add_match(handle(), nullptr, rule.c_str(), handOver, &bus_->handlers.back()) >= 0;
 }
 
 bool BusConnection::dispatch() {
     constexpr int mostMessages = 256;
     for (int message = 0; message < mostMessages; ++message) {
-        const int progress = sd_bus_process(bus_->handle.get(), nullptr);
-        if (progress < 0 || sd_bus_is_open(bus_->handle.get()) <= 0)
+        const int progress = sd_bus_process(handle(), nullptr);
+        if (progress < 0 || sd_bus_is_open(handle()) <= 0)
             return false;
         if (progress == 0)
             break;
@@ -225,7 +181,7 @@ bool BusConnection::dispatch() {
 }
 
 void BusConnection::wait(std::chrono::milliseconds timeout, int wakeDescriptor) {
-    sd_bus* const bus = bus_->handle.get();
+    sd_bus* const bus = handle();
     const int descriptor = sd_bus_get_fd(bus);
     const int events = sd_bus_get_events(bus);
     if (descriptor < 0 || events < 0)
@@ -246,7 +202,7 @@ void BusConnection::wait(std::chrono::milliseconds timeout, int wakeDescriptor) 
 // The types that may be asked for.
 #define KELVORA_BUS_CALL(...)                                                                      \
     template BusReply<__VA_ARGS__> BusConnection::call<__VA_ARGS__>(                               \
-        const AtspiReference&, const char*, const char*, Arguments)
+        const AtspiReference&, const char*, const char*, const Arguments&)
 #define KELVORA_BUS_PROPERTY(...)                                                                  \
     template BusReply<__VA_ARGS__> BusConnection::property<__VA_ARGS__>(const AtspiReference&,     \
                                                                         const char*, const char*)
@@ -256,13 +212,11 @@ KELVORA_BUS_CALL(std::int32_t);
 KELVORA_BUS_CALL(std::uint32_t);
 KELVORA_BUS_CALL(std::string);
 KELVORA_BUS_CALL(AtspiReference);
-KELVORA_BUS_CALL(std::pair<std::int32_t, std::int32_t>);
 KELVORA_BUS_CALL(std::vector<std::uint32_t>);
 KELVORA_BUS_CALL(std::vector<std::string>);
 KELVORA_BUS_CALL(std::vector<AtspiReference>);
 KELVORA_BUS_PROPERTY(bool);
 KELVORA_BUS_PROPERTY(std::int32_t);
-KELVORA_BUS_PROPERTY(std::uint32_t);
 KELVORA_BUS_PROPERTY(std::string);
 KELVORA_BUS_PROPERTY(AtspiReference);
 #undef KELVORA_BUS_CALL

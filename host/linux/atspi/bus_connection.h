@@ -6,13 +6,14 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <variant>
 #include <vector>
+
+struct sd_bus;
 
 namespace kelvora {
 
@@ -34,6 +35,11 @@ struct BusReply {
 
     [[nodiscard]] explicit operator bool() const { return error == BusError::none; }
 };
+
+/// The application or the bus did not answer: asking on has no sense.
+[[nodiscard]] constexpr bool isWithoutAnswer(BusError error) {
+    return error == BusError::timedOut || error == BusError::notAsked || error == BusError::lost;
+}
 
 /// A reply without content, or whose content does not matter.
 struct BusNothing {};
@@ -59,7 +65,7 @@ struct BusSignal {
 class BusConnection {
 public:
     using Clock = std::chrono::steady_clock;
-    using Arguments = std::initializer_list<BusValue>;
+    using Arguments = std::vector<BusValue>;
 
     /// No call takes longer.
     static constexpr std::chrono::milliseconds longestCall{500};
@@ -80,16 +86,12 @@ public:
     void clearDeadline() { deadline_ = Clock::time_point::max(); }
 
     /// Value is one of BusNothing, bool, int32_t, uint32_t, std::string, AtspiReference,
-    /// std::pair<int32_t, int32_t> (two results), std::vector of uint32_t, std::string or
-    /// AtspiReference.
+    /// std::vector of uint32_t, std::string or AtspiReference.
     template <typename Value>
     [[nodiscard]] BusReply<Value> call(const AtspiReference& object, const char* interface,
-                                       const char* method, Arguments arguments = {});
-    /// Sends a call and wants no answer; false when it could not be sent.
-    bool send(const AtspiReference& object, const char* interface, const char* method,
-              Arguments arguments = {});
+                                       const char* method, const Arguments& arguments = {});
 
-    /// Value is one of bool, int32_t, uint32_t, std::string, AtspiReference.
+    /// Value is one of bool, int32_t, std::string, AtspiReference.
     template <typename Value>
     [[nodiscard]] BusReply<Value> property(const AtspiReference& object, const char* interface,
                                            const char* name);
@@ -112,10 +114,12 @@ public:
     void wait(std::chrono::milliseconds timeout, int wakeDescriptor = -1);
 
 private:
+    friend class BusBatch;
     struct Bus; // the library's handle, and the subscriptions
 
     explicit BusConnection(std::unique_ptr<Bus> bus);
 
+    [[nodiscard]] sd_bus* handle() const;
     /// Microseconds that a call may take now; 0 when the deadline has passed.
     [[nodiscard]] std::uint64_t timeLeft() const;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/atspi/bus_message.h"
 
+#include <cerrno>
 #include <string_view>
 #include <type_traits>
 
@@ -116,8 +117,43 @@ std::string textOrNothing(const char* text) {
 
 } // namespace
 
+BusError errorOf(int result, const sd_bus_error& error) {
+    if (result >= 0)
+        return BusError::none;
+    if (error.name != nullptr) {
+        constexpr std::string_view prefix = "org.freedesktop.DBus.Error.";
+        std::string_view name = error.name;
+        if (name.substr(0, prefix.size()) == prefix)
+            name.remove_prefix(prefix.size());
+        for (const std::string_view gone :
+             {"ServiceUnknown", "NameHasNoOwner", "UnknownObject", "NoReply", "Disconnected"}) {
+            if (name == gone)
+                return BusError::gone;
+        }
+        for (const std::string_view unsupported :
+             {"UnknownMethod", "UnknownInterface", "UnknownProperty", "NotSupported"}) {
+            if (name == unsupported)
+                return BusError::unsupported;
+        }
+        if (name == "Timeout" || name == "TimedOut")
+            return BusError::timedOut;
+    }
+    switch (-result) {
+    case ETIMEDOUT:
+        return BusError::timedOut;
+    case ENOTCONN:
+    case ECONNRESET:
+    case ECONNREFUSED:
+    case EPIPE:
+    case ESHUTDOWN:
+        return BusError::lost;
+    default:
+        return BusError::refused;
+    }
+}
+
 MessageHandle newCall(sd_bus* bus, const AtspiReference& object, const char* interface,
-                      const char* method, std::initializer_list<BusValue> arguments) {
+                      const char* method, const std::vector<BusValue>& arguments) {
     sd_bus_message* raw = nullptr;
     if (sd_bus_message_new_method_call(bus, &raw, object.busName.c_str(), object.path.c_str(),
                                        interface, method) < 0)
@@ -136,7 +172,7 @@ MessageHandle newCall(sd_bus* bus, const AtspiReference& object, const char* int
 
 MessageHandle newPropertySet(sd_bus* bus, const AtspiReference& object, const char* interface,
                              const char* name, bool value) {
-    MessageHandle message = newCall(bus, object, "org.freedesktop.DBus.Properties", "Set",
+    MessageHandle message = newCall(bus, object, propertiesInterface, "Set",
                                     {std::string(interface), std::string(name)});
     if (!message || sd_bus_message_append(message.get(), "v", "b", value ? 1 : 0) < 0)
         return nullptr;

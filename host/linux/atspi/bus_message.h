@@ -5,13 +5,18 @@
 
 #include <systemd/sd-bus.h>
 
-// How values stand in the messages of the bus library. For bus_connection.cpp only.
+// How values and errors stand in the messages of the bus library. For the .cpp files of the bus.
 namespace kelvora {
 
 struct MessageDeleter {
     void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
 };
 using MessageHandle = std::unique_ptr<sd_bus_message, MessageDeleter>;
+
+inline constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
+
+/// What a call came to that gave `result` (negative: an errno) and, from the other side, `error`.
+[[nodiscard]] BusError errorOf(int result, const sd_bus_error& error);
 
 /// A value that the message holds inside a variant.
 template <typename Value>
@@ -22,7 +27,7 @@ struct InVariant {
 /// Null when the connection is gone or a value cannot be sent (text that is not UTF-8).
 [[nodiscard]] MessageHandle newCall(sd_bus* bus, const AtspiReference& object,
                                     const char* interface, const char* method,
-                                    std::initializer_list<BusValue> arguments);
+                                    const std::vector<BusValue>& arguments);
 [[nodiscard]] MessageHandle newPropertySet(sd_bus* bus, const AtspiReference& object,
                                            const char* interface, const char* name, bool value);
 

@@ -60,6 +60,11 @@ bool X11InputSources::synchronize() {
     // The answer to this request comes after every notice of what happened before it.
     if (!keymap_->synchronizeState())
         return false;
+    catchUp();
+    return isConnected();
+}
+
+void X11InputSources::catchUp() {
     processEvents();
     // Fetching may bring in notices of further changes; whoever never stops changing is not
     // awaited.
@@ -67,7 +72,6 @@ bool X11InputSources::synchronize() {
         refreshSources();
         processEvents();
     }
-    return isConnected();
 }
 
 void X11InputSources::processEvents() {
@@ -117,6 +121,11 @@ std::optional<std::vector<InputSource>> X11InputSources::enabledSources() {
     if (!synchronize())
         return std::nullopt;
     return sources_;
+}
+
+std::optional<std::vector<InputSource>> X11InputSources::knownSources() {
+    catchUp();
+    return isConnected() ? std::optional(sources_) : std::nullopt;
 }
 
 const InputSource* X11InputSources::activeSource() const {

@@ -14,14 +14,16 @@
 namespace kelvora {
 
 /// The XKB groups of an X server as input sources, in the order of the groups. Selecting one locks
-/// its group. Every call asks the server for its state first, so that what other programs changed
-/// before the call is seen. With the server gone everything is absent. Main thread only.
+/// its group. Every call but knownSources() asks the server for its state first, so that what other
+/// programs changed before the call is seen. With the server gone everything is absent. Main thread
+/// only.
 class X11InputSources final : public InputSources {
 public:
     /// Takes a connection of its own. Null when the server has no XKB.
     [[nodiscard]] static std::unique_ptr<X11InputSources> create(XcbConnectionPtr connection);
 
     [[nodiscard]] std::optional<std::vector<InputSource>> enabledSources() override;
+    [[nodiscard]] std::optional<std::vector<InputSource>> knownSources() override;
     [[nodiscard]] std::optional<InputSource> currentSource() override;
     [[nodiscard]] bool select(const InputSource& source) override;
     /// One of keyboardTypeCode, from the XKB model; `unknown` with the server gone.
@@ -40,6 +42,8 @@ private:
     [[nodiscard]] bool watchRulesNames();
     /// Brings everything up to date. False when the server is gone.
     [[nodiscard]] bool synchronize();
+    /// Takes in what the notices so far were about.
+    void catchUp();
     void refreshSources();
     void readRulesNames();
     /// Null when the keymap has no groups. After synchronize().

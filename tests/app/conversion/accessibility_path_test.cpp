@@ -125,7 +125,8 @@ TEST_F(PathTest, SelectedTextIsReplacedAndTheReplacementVerified) {
          noText,
          u"[ghbdtn]",
          info,
-         "AX path: it is not known what became of the text. Nothing more is sent."},
+         "AX path: the application did not answer, or took the text otherwise than asked. "
+         "Nothing more is sent."},
         {"write ignored", u"[ghbdtn]", {.ignoresWrites = true}, {}, u"[ghbdtn]", error, ignored},
         {"the same text elsewhere",
          u"привет [ghbdtn]",
@@ -166,6 +167,20 @@ TEST_F(PathTest, SelectedTextIsReplacedAndTheReplacementVerified) {
         EXPECT_EQ(logged(testCase.level).back(), testCase.message);
         const bool verifies = testCase.message == taken || testCase.message == ignored;
         EXPECT_NEAR(desktop.scheduler.now() - started, verifies ? 0.02 : 0, 1e-9);
+    }
+}
+
+TEST_F(PathTest, NothingIsWrittenWhereTheFocusIsNoLonger) {
+    for (const auto& [role, text] : {std::pair{TextRole::singleLine, u"[ghbdtn] vbh"},
+                                     std::pair{TextRole::multiLine, u"ghbdtn| vbh"}}) {
+        desktop.accessibility.views[editor] = {.role = role};
+        beginCase();
+        show(text);
+        keyboard->noteFocusChange();
+        const auto element = desktop.accessibility.element(editor);
+        EXPECT_EQ(FocusedTextConverter::tryAXPath(*element, request, services()).outcome,
+                  ConversionOutcome::noText());
+        EXPECT_EQ(shown(), text);
     }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/atspi/atspi_opt_in.h"
+#include "host/linux/atspi/atspi_status.h"
 #include "tests/host/atspi/field.h"
+#include "tests/host/desktop/private_bus.h"
 #include "tests/support/real_desktop/wait_until.h"
 
 #include <gtest/gtest.h>
@@ -51,6 +53,18 @@ TEST_F(OptIn, IsPutBack) {
     }
     EXPECT_FALSE(isOn());
     EXPECT_FALSE(hasRecord());
+}
+
+TEST_F(OptIn, SwitchesAreTold) {
+    PollLoop loop;
+    AtspiStatus status(loop);
+    bool isTold = false;
+    status.setOnChanged([&] { isTold = true; });
+    // Again and again: the first changes may come before the bus knows that we listen.
+    EXPECT_TRUE(turnUntil(loop, [&] {
+        set("IsEnabled", !isOn());
+        return isTold;
+    }));
 }
 
 TEST_F(OptIn, IsPutBackByTheRunAfterACrash) {

@@ -70,9 +70,9 @@ TEST_F(X11InputSourcesTest, selectionsSurviveAnotherListAndOnlyWhatIsInItIsSelec
     EXPECT_FALSE(InputSourceSwitcher::select(*sources_, "de"));
     EXPECT_EQ(currentID(), "us");
     server_.setLayouts("fr"); // the server still reports the second group
+    EXPECT_EQ(currentID(), "fr");
     const std::vector<InputSourceChoice> expected{{"fr", "French"}};
     EXPECT_EQ(layouts(), expected);
-    EXPECT_EQ(currentID(), "fr");
     EXPECT_TRUE(InputSourceSwitcher::select(*sources_, "fr"));
 }
 
@@ -82,9 +82,31 @@ TEST_F(X11InputSourcesTest, thePropertyTellsTheModelAndMayBeDamaged) {
     for (const char* damaged : {"\xFF\xFE,,,,,,,,,,", "one string of several, commas"}) {
         server_.run({"xprop", "-root", "-f", "_XKB_RULES_NAMES", "8s", "-set", "_XKB_RULES_NAMES",
                      damaged});
-        ASSERT_EQ(layouts().size(), 2u);
-        EXPECT_EQ(layouts()[1].id, "ru");
+        const auto list = sources_->enabledSources();
+        ASSERT_TRUE(list);
+        ASSERT_EQ(list->size(), 2u);
+        EXPECT_EQ(list->at(1).id, "ru");
     }
+}
+
+TEST_F(X11InputSourcesTest, aPollAsksTheServerOnlyAfterAChange) {
+    XcbConnectionPtr own = connectX11(server_.display().c_str());
+    xcb_connection_t* const connection = own.get();
+    sources_ = X11InputSources::create(std::move(own));
+    ASSERT_TRUE(sources_);
+    const auto requestsSoFar = [&] { return xcb_no_operation(connection).sequence; };
+    for (const std::size_t count : {3U, 2U}) {
+        server_.setLayouts(count == 3 ? "us,ru,de" : "us,fr");
+        ASSERT_TRUE(real::waitUntil([&] { return layouts().size() == count; })) << count;
+        EXPECT_TRUE(sources_->currentSource()); // brings all notices of the change
+        layouts();
+        const unsigned before = requestsSoFar();
+        layouts();
+        layouts();
+        EXPECT_EQ(requestsSoFar(), before + 1) << count;
+    }
+    server_.kill();
+    EXPECT_TRUE(real::waitUntil([&] { return layouts().empty(); }));
 }
 
 TEST_F(X11InputSourcesTest, withoutAServerEverythingIsAbsent) {

@@ -75,6 +75,7 @@ TEST(X11Posting, ShortcutsGoByLetter) {
         ASSERT_TRUE(rig.selectLayout(test.group));
         const std::string layout = readKeyboardState(rig.xlib()).layout;
         rig.keyboard().press(real::key::leftShift); // held by the user: not part of the shortcut
+        EXPECT_FALSE(readKeyboardState(rig.xlib()).pressedKeys.empty()); // the server has it
         rig.onWorker([&] {
             for (const KeyCode key : {keyCode::a, keyCode::c, keyCode::v})
                 postKey(rig.services().eventPoster, key, eventFlag::command, u"");
@@ -107,6 +108,7 @@ TEST(X11Posting, ArrowsCarryTheirOwnModifiersOnly) {
         real::lockModifiers(rig.xlib(), test.locks);
         if (test.held != none)
             rig.keyboard().press(test.held);
+        EXPECT_EQ(readKeyboardState(rig.xlib()).pressedKeys.empty(), test.held == none);
         rig.onWorker([&] {
             postKey(rig.services().eventPoster, keyCode::leftArrow, 0, u"");
             postKey(rig.services().eventPoster, keyCode::leftArrow, eventFlag::shift, u"");

@@ -51,7 +51,8 @@ KeyboardState readKeyboardState(_XDisplay* display) {
     std::array<char, 32> held{};
     XQueryKeymap(display, held.data());
     for (unsigned keyCode = 0; keyCode < 256; ++keyCode) {
-        if ((static_cast<unsigned char>(held.at(keyCode / 8)) >> (keyCode % 8) & 1U) != 0) {
+        const unsigned keysOfByte = static_cast<unsigned char>(held.at(keyCode / 8));
+        if ((keysOfByte >> (keyCode % 8) & 1U) != 0) {
             result.pressedKeys.push_back(keyCode);
         }
     }

@@ -7,7 +7,6 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
-#include <cstring>
 #include <vector>
 
 namespace kelvora::real {
@@ -36,8 +35,9 @@ Property readProperty(Display* display, Window window, const char* name) {
         return result;
     }
     if (format == 32) {
-        result.numbers.resize(count);
-        std::memcpy(result.numbers.data(), data, count * sizeof(unsigned long));
+        const auto* const numbers =
+            reinterpret_cast<const unsigned long*>(data); // as Xlib gives it
+        result.numbers.assign(numbers, numbers + count);
     } else if (format == 8) {
         result.bytes.assign(data, data + count);
     }
