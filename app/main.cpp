@@ -1,16 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "app/shell/app_delegate.h"
+#include "app/ui/qt_user_interface.h"
+#include "app/ui/toolkit.h"
 #include "host/linux/atspi/atspi_services.h"
+#include "host/linux/atspi/atspi_status.h"
+#include "host/linux/desktop/application_id.h"
 #include "host/linux/desktop/autostart.h"
+#include "host/linux/desktop/autostart_entry.h"
+#include "host/linux/desktop/bus_name_instance.h"
 #include "host/linux/desktop/journal_log.h"
+#include "host/linux/desktop/logind_session.h"
 #include "host/linux/desktop/settings_page.h"
 #include "host/linux/desktop/settings_store.h"
 #include "host/linux/loop/qt_dispatch.h"
 #include "host/linux/loop/qt_event_loop.h"
 #include "host/linux/loop/qt_timers.h"
+#include "host/linux/updates/standard_updater_controller.h"
+#include "host/linux/x11/x11_connection.h"
 #include "host/linux/x11/x11_services.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -18,9 +27,12 @@
 #include <sysexits.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -64,25 +76,38 @@ bool isWaylandSession() {
            (environment("XDG_SESSION_TYPE").empty() && !environment("WAYLAND_DISPLAY").empty());
 }
 
+bool isLoginLaunch(int argc, char** argv) {
+    return std::any_of(argv + 1, argv + argc,
+                       [](const char* argument) { return argument == loginLaunchArgument; });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     forbidDumps();
     const int signalFile = terminationSignals();
     std::setlocale(LC_CTYPE, "");
-    QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName("Kelvora");
+    const std::filesystem::path program = programFile();
 
     JournalLog log;
     const std::string display(environment("DISPLAY"));
     if (isWaylandSession())
         log.write(LogLevel::info, category, waylandLimit);
+    // Looked at first: the toolkit would end the program in its own words.
     if (display.empty()) {
         log.write(LogLevel::error, category,
                   "No X server: DISPLAY is not set. Start Kelvora in an X11 session.");
         return EX_UNAVAILABLE;
     }
+    if (!connectX11(display.c_str())) {
+        log.write(LogLevel::error, category,
+                  "The X server at DISPLAY=" + display + " cannot be reached.");
+        return EX_UNAVAILABLE;
+    }
 
+    const auto application = makeApplication(argc, argv);
+    QApplication::setApplicationName("Kelvora");
+    QApplication::setDesktopFileName(applicationId);
     QtEventLoop loop;
     SecureEntry secureEntry;
     const auto services = X11Services::create(display, loop, secureEntry, [&log] {
@@ -91,19 +116,22 @@ int main(int argc, char** argv) {
     });
     if (!services) {
         log.write(LogLevel::error, category,
-                  "The X server at DISPLAY=" + display +
-                      " cannot be reached or lacks XKEYBOARD, XTEST or XFIXES.");
+                  "The X server at DISPLAY=" + display + " lacks XKEYBOARD, XTEST or XFIXES.");
         return EX_UNAVAILABLE;
     }
     const auto signalWatch = loop.watchReadable(signalFile, [] { QCoreApplication::exit(0); });
 
     AtspiServices accessibility(loop, secureEntry);
+    AtspiStatus accessibilityStatus(loop);
 
     SettingsStore settings(standardSettingsFile(), log);
-    Autostart autostart(AutostartPlaces::ofSession(), programFile());
+    Autostart autostart(AutostartPlaces::ofSession(), program);
     autostart.repair();
     SettingsPages settingsPages(std::string(environment("XDG_CURRENT_DESKTOP")), log);
+    BusNameInstance instance(loop, log);
+    LogindSession session(loop, std::string(environment("XDG_SESSION_ID")));
     QtTimers timers;
+    QtUserInterface interface(services->trayArea(), services->windowActivation());
 
     // Last made, first to end: a conversion under way completes before anything that it uses goes.
     QtDispatch dispatch;
@@ -120,6 +148,7 @@ int main(int argc, char** argv) {
             .accessibility = accessibility.accessibility(),
             .pasteboard = services->pasteboard(),
             .applicationProbe = services->applicationProbe(),
+            .secureInput = secureEntry,
             .sessionLimit = isWaylandSession() ? waylandLimit : "",
         },
         SessionServices{
@@ -127,7 +156,19 @@ int main(int argc, char** argv) {
             .userDefaults = settings,
             .loginItem = autostart,
             .addressOpener = settingsPages,
-        });
+            .singleInstance = instance,
+            .sessionEvents = session,
+            .displayEvents = services->displayEvents(),
+            .accessibilityStatus = accessibilityStatus,
+            .makeUpdater =
+                [&log](UserDriverDelegate& owner) {
+                    return std::make_unique<StandardUpdaterController>(
+                        sessionUpdaterSetup(KELVORA_UPDATE_CONFIGURATION, KELVORA_VERSION), owner,
+                        log);
+                },
+            .launchedInBackground = isLoginLaunch(argc, argv),
+        },
+        interface);
     AppModel& model = delegate.model();
     const auto statusLog = model.observe([&](AppModelProperty property) {
         if (property == AppModelProperty::hotkeyStatus)
@@ -136,5 +177,5 @@ int main(int argc, char** argv) {
             log.write(LogLevel::info, "Status", *model.statusMessage());
     });
     delegate.launch();
-    return QCoreApplication::exec();
+    return QApplication::exec();
 }

@@ -11,6 +11,7 @@
 #include "host/log.h"
 #include "host/pasteboard.h"
 #include "host/permissions.h"
+#include "host/secure_input.h"
 #include "host/workspace.h"
 
 #include <string>
@@ -30,6 +31,7 @@ struct Desktop {
     Accessibility& accessibility;
     Pasteboard& pasteboard;
     ApplicationProbe& applicationProbe;
+    SecureInput& secureInput;
     /// What of the session is out of reach, for the listener's status; empty when nothing is.
     /// UTF-8.
     std::string sessionLimit = {};

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/accessibility_status.h"
 #include "host/address_opener.h"
+#include "host/display_events.h"
 #include "host/login_item.h"
+#include "host/session_events.h"
+#include "host/single_instance.h"
 #include "host/timers.h"
+#include "host/updater_controller.h"
 #include "host/user_defaults.h"
 
 namespace kelvora {
@@ -15,6 +20,13 @@ struct SessionServices {
     UserDefaults& userDefaults;
     LoginItem& loginItem;
     AddressOpener& addressOpener;
+    SingleInstance& singleInstance;
+    SessionEvents& sessionEvents;
+    DisplayEvents& displayEvents;
+    AccessibilityStatus& accessibilityStatus;
+    UpdaterControllerFactory makeUpdater;
+    /// The session started the program by itself, at login; not the user, who would want to see it.
+    bool launchedInBackground = false;
 };
 
 } // namespace kelvora

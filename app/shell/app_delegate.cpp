@@ -8,12 +8,14 @@
 
 namespace kelvora {
 
-AppDelegate::AppDelegate(const Desktop& desktop, const SessionServices& session)
-    : AppDelegate(desktop, session, std::make_shared<SystemEventPoster>(desktop.eventPoster)) {}
+AppDelegate::AppDelegate(const Desktop& desktop, const SessionServices& session,
+                         UserInterface& interface)
+    : AppDelegate(desktop, session, interface,
+                  std::make_shared<SystemEventPoster>(desktop.eventPoster)) {}
 
 AppDelegate::AppDelegate(const Desktop& desktop, const SessionServices& session,
-                         std::shared_ptr<EventPosting> poster)
-    : desktop_(desktop), model_(desktop, session),
+                         UserInterface& interface, std::shared_ptr<EventPosting> poster)
+    : desktop_(desktop), session_(session), interface_(interface), model_(desktop, session),
       hotkey_(desktop.eventSource, desktop.dispatch, desktop.log),
       conversion_(desktop, model_, hotkey_.typedText(), std::move(poster)) {}
 
@@ -21,39 +23,63 @@ AppDelegate::~AppDelegate() {
     desktop_.workspace.setOnFocusChanged(nullptr);
 }
 
+std::function<void()> AppDelegate::weakly(Handler handler) const {
+    return [weak = self_.handle(), handler] {
+        if (AppDelegate* delegate = weak.get()) {
+            (delegate->*handler)();
+        }
+    };
+}
+
 void AppDelegate::launch() {
-    const WeakHandle<AppDelegate> weak = self_.handle();
-    hotkey_.onShiftEvent = [weak] {
+    session_.singleInstance.setOnReplaced(weakly(&AppDelegate::handleReplaced));
+    session_.singleInstance.setOnReopen(weakly(&AppDelegate::showPreferences));
+    session_.singleInstance.claim();
+    interface_.becomeAccessory();
+    updater_.emplace(session_.makeUpdater, [this] { interface_.activate(); });
+    installMenus();
+    wireMonitor();
+    model_.onSettingsChanged = weakly(&AppDelegate::applySettings);
+    applySettings();
+    if (!session_.launchedInBackground) {
+        showPreferences();
+    }
+    observeSession();
+    enableAccessibility();
+    listenerHealthTimer_ = session_.timers.repeat(
+        healthCheckInterval,
+        [&dispatch = desktop_.dispatch, check = weakly(&AppDelegate::checkListenerHealth)] {
+            dispatch.postToMain(check);
+        });
+}
+
+void AppDelegate::installMenus() {
+    interface_.setMainMenu(mainMenu());
+    interface_.showStatusItem(statusMenu());
+    interface_.setOnMenuAction([weak = self_.handle()](MenuAction action) {
         if (AppDelegate* delegate = weak.get()) {
-            delegate->model_.setShiftEventCount(delegate->model_.shiftEventCount() + 1);
-        }
-    };
-    hotkey_.onTrigger = [weak] {
-        if (AppDelegate* delegate = weak.get()) {
-            delegate->handleTrigger();
-        }
-    };
-    hotkey_.onMouseDown = [weak] {
-        if (AppDelegate* delegate = weak.get()) {
-            // A paste, or what is typed back, would land where the click was.
-            delegate->conversion_.focusChanged();
-        }
-    };
-    model_.onSettingsChanged = [weak] {
-        if (AppDelegate* delegate = weak.get()) {
-            delegate->applySettings();
-        }
-    };
-    desktop_.workspace.setOnFocusChanged([weak] {
-        if (AppDelegate* delegate = weak.get()) {
-            delegate->handleFocusChange();
+            delegate->handleMenuAction(action);
         }
     });
-    applySettings();
-    enableAccessibility();
+}
+
+void AppDelegate::wireMonitor() {
+    hotkey_.onShiftEvent = weakly(&AppDelegate::handleShiftEvent);
+    hotkey_.onTrigger = weakly(&AppDelegate::handleTrigger);
+    hotkey_.onMouseDown = weakly(&AppDelegate::handleMouseDown);
+}
+
+void AppDelegate::observeSession() {
+    session_.sessionEvents.setOnWake(weakly(&AppDelegate::handleSystemWake));
+    session_.displayEvents.setOnDisplayWake(weakly(&AppDelegate::handleSystemWake));
+    session_.sessionEvents.setOnBecameActive(weakly(&AppDelegate::handleSessionActive));
+    session_.sessionEvents.setOnResignedActive(weakly(&AppDelegate::handleSessionResign));
+    desktop_.workspace.setOnFocusChanged(weakly(&AppDelegate::handleFocusChange));
+    session_.accessibilityStatus.setOnChanged(weakly(&AppDelegate::handleAccessibilityChanged));
 }
 
 void AppDelegate::applySettings() {
+    interface_.setEnableItemState(model_.isEnabled());
     hotkey_.setMaximumInterval(model_.sensitivity());
     if (model_.isEnabled() && model_.accessibilityGranted()) {
         hotkey_.start();
@@ -73,6 +99,10 @@ std::string AppDelegate::listenerStatus() {
     if (!model_.accessibilityGranted()) {
         return "Accessibility permission required";
     }
+    if (desktop_.secureInput.isSecureEventInputEnabled()) {
+        return "Secure keyboard input is active. Leave password fields or disable Secure Keyboard "
+               "Entry in Terminal.";
+    }
     // Not the monitor of this program's own events: that alone hears nobody else's Shift.
     if (hotkey_.eventTap() || hotkey_.globalMonitor()) {
         const std::string status = "Listening for double-Shift";
@@ -81,12 +111,102 @@ std::string AppDelegate::listenerStatus() {
     return "Keyboard listener could not start. Quit and reopen Kelvora.";
 }
 
+void AppDelegate::checkListenerHealth() {
+    if (!model_.isEnabled() || !model_.accessibilityGranted()) {
+        return;
+    }
+    reviveListener();
+}
+
+void AppDelegate::reviveListener() {
+    if (EventTap* tap = hotkey_.eventTap()) {
+        if (!tap->isEnabled()) {
+            tap->setEnabled(true);
+        }
+    } else {
+        restartListener();
+    }
+}
+
+void AppDelegate::restartListener() {
+    hotkey_.stop();
+    hotkey_.start();
+}
+
+void AppDelegate::showPreferences() {
+    interface_.showPreferences(model_);
+    model_.refreshPermissions();
+    model_.refreshInputSources();
+}
+
+void AppDelegate::handleMenuAction(MenuAction action) {
+    switch (action) {
+    case MenuAction::toggleEnabled:
+        model_.setIsEnabled(!model_.isEnabled());
+        break;
+    case MenuAction::showPreferences:
+        showPreferences();
+        break;
+    case MenuAction::checkForUpdates:
+        updater_->checkForUpdates();
+        break;
+    case MenuAction::quit:
+        interface_.terminate();
+        break;
+    default: // text is edited by the window itself
+        break;
+    }
+}
+
+void AppDelegate::handleReplaced() {
+    // Before anything else: the newer copy listens already, and a double tap is for one of us.
+    hotkey_.stop();
+    interface_.terminate();
+}
+
+void AppDelegate::handleSystemWake() {
+    model_.refreshPermissions();
+    model_.refreshInputSources();
+    applySettings();
+    restartListener();
+}
+
+void AppDelegate::handleSessionActive() {
+    model_.refreshPermissions();
+    applySettings();
+    reviveListener();
+}
+
+void AppDelegate::handleSessionResign() {
+    hotkey_.interpreter().reset();
+    hotkey_.detector().reset();
+    hotkey_.typedText()->reset();
+}
+
+void AppDelegate::handleAccessibilityChanged() {
+    model_.refreshPermissions();
+    applySettings();
+}
+
+void AppDelegate::handleShiftEvent() {
+    model_.setShiftEventCount(model_.shiftEventCount() + 1);
+}
+
 void AppDelegate::handleTrigger() {
     model_.setDoubleTapCount(model_.doubleTapCount() + 1);
     performConversion();
 }
 
+void AppDelegate::handleMouseDown() {
+    // A paste, or what is typed back, would land where the click was.
+    conversion_.focusChanged();
+}
+
 void AppDelegate::performConversion() {
+    // Behind a locker nothing is the user's to repair.
+    if (!session_.sessionEvents.isActive()) {
+        return;
+    }
     // Layouts may have been added or removed since the last look; a conversion under way keeps its
     // own.
     if (!conversion_.conversionInProgress()) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/secure_input.h"
+
 #include <chrono>
 #include <functional>
 #include <utility>
@@ -31,8 +33,11 @@ public:
 };
 
 /// Where those who follow the focus tell those who see the keys. Main thread only.
-class SecureEntry {
+class SecureEntry final : public SecureInput {
 public:
+    [[nodiscard]] bool isSecureEventInputEnabled() const override {
+        return secrecy_ == FocusSecrecy::secret;
+    }
     [[nodiscard]] FocusSecrecy secrecy() const { return secrecy_; }
 
     void report(const FocusReport& report, std::chrono::steady_clock::time_point now) {

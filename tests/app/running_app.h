@@ -21,7 +21,7 @@ protected:
     void launch() {
         app.reset();
         app = std::make_unique<AppDelegate>(
-            desktop.services(), desktop.session(),
+            desktop.services(), desktop.session(), desktop.interface,
             std::make_shared<SystemEventPoster>(desktop.keyboard,
                                                 [this] { return desktop.scheduler.now(); }));
         app->launch();

@@ -5,8 +5,10 @@
 #include "tests/support/real_desktop/terminal.h"
 #include "tests/support/real_desktop/wait_until.h"
 
+#include <algorithm>
 #include <array>
 #include <gmock/gmock.h>
+#include <iostream>
 #include <map>
 #include <ostream>
 
@@ -69,6 +71,12 @@ void LiveDesktopTest::beginFreshLine() {
 }
 
 void LiveDesktopTest::TearDown() {
+    if (HasFailure()) {
+        constexpr std::size_t lastPart = 2000;
+        const std::string log = program().log();
+        std::cerr << "What the program said last:\n"
+                  << log.substr(log.size() - std::min(log.size(), lastPart)) << '\n';
+    }
     ASSERT_TRUE(program().process().isRunning()) << program().log();
 }
 

@@ -11,7 +11,7 @@ namespace {
 class Repetition : public LiveDesktopTest {
 protected:
     void repeat(KeySource source, Rhythm rhythm) {
-        constexpr int repetitions = 20;
+        constexpr int repetitions = 8;
         keyboard().setSource(source);
         for (int round = 0; round < repetitions && !HasFailure(); ++round) {
             SCOPED_TRACE(round);

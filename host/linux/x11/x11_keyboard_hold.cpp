@@ -153,8 +153,15 @@ void X11KeyboardHold::releaseWhatIsDown() {
     // Held modifiers would change what is posted, and a held key would go on repeating; their
     // coming up is seen by us alone from now on.
     const X11KeySet down = marked_.keysDown();
-    for (std::size_t key = 0; key < down.size(); ++key)
-        if (down[key])
+    X11KeySet released = down;
+    // The core keyboard forgets a key that is down on two devices when one of them lets go of it.
+    // Pressed on the other once more, it would not go down, and a shortcut would type its letter.
+    const std::uint16_t carrier = marked_.carrier();
+    for (const X11SlaveKeyboard& keyboard : marked_.slaveKeyboards())
+        if (carrier != 0 ? keyboard.id == carrier : keyboard.isXTest)
+            released |= marked_.keysDownOn(keyboard.id);
+    for (std::size_t key = 0; key < released.size(); ++key)
+        if (released[key])
             marked_.releaseKey(static_cast<std::uint8_t>(key));
     if (!grabbed_.empty())
         downBefore_ = down;

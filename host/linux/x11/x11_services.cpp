@@ -12,7 +12,8 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
     services->onServerGone_ = std::move(onServerGone);
     XcbConnectionPtr forLayouts = connectX11(display.c_str());
     XcbConnectionPtr forPermissions = connectX11(display.c_str());
-    if (!forLayouts || !forPermissions)
+    XcbConnectionPtr forDisplays = connectX11(display.c_str());
+    if (!forLayouts || !forPermissions || !forDisplays)
         return nullptr;
     services->inputSources_ = X11InputSources::create(std::move(forLayouts));
     services->permissions_ = std::make_unique<X11Permissions>(std::move(forPermissions));
@@ -24,6 +25,9 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
     if (!services->inputSources_ || !services->workspace_ || !services->eventPoster_ ||
         !services->pasteboard_ || !services->applicationProbe_)
         return nullptr;
+    services->displayEvents_ = std::make_unique<X11DisplayEvents>(std::move(forDisplays), loop);
+    services->trayArea_ = std::make_unique<X11TrayArea>(display, loop);
+    services->windowActivation_ = std::make_unique<X11WindowActivation>(display);
     X11Services& self = *services;
     services->eventSource_ = std::make_unique<X11EventSource>(
         display, loop, services->marks_,

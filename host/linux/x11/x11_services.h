@@ -4,11 +4,14 @@
 #include "host/linux/event_loop.h"
 #include "host/linux/x11/clipboard/x11_pasteboard.h"
 #include "host/linux/x11/x11_application_probe.h"
+#include "host/linux/x11/x11_display_events.h"
 #include "host/linux/x11/x11_event_poster.h"
 #include "host/linux/x11/x11_event_source.h"
 #include "host/linux/x11/x11_input_sources.h"
 #include "host/linux/x11/x11_permissions.h"
 #include "host/linux/x11/x11_posting_marks.h"
+#include "host/linux/x11/x11_tray_area.h"
+#include "host/linux/x11/x11_window_activation.h"
 #include "host/linux/x11/x11_workspace.h"
 #include "host/linux/xkb/key_layout_data.h"
 
@@ -37,6 +40,9 @@ public:
     [[nodiscard]] Permissions& permissions() { return *permissions_; }
     [[nodiscard]] Pasteboard& pasteboard() { return *pasteboard_; }
     [[nodiscard]] ApplicationProbe& applicationProbe() { return *applicationProbe_; }
+    [[nodiscard]] DisplayEvents& displayEvents() { return *displayEvents_; }
+    [[nodiscard]] TrayArea& trayArea() { return *trayArea_; }
+    [[nodiscard]] WindowActivation& windowActivation() { return *windowActivation_; }
 
 private:
     X11Services() = default;
@@ -52,6 +58,9 @@ private:
     std::unique_ptr<X11Permissions> permissions_;
     std::unique_ptr<X11Pasteboard> pasteboard_;
     std::unique_ptr<X11ApplicationProbe> applicationProbe_;
+    std::unique_ptr<X11DisplayEvents> displayEvents_;
+    std::unique_ptr<X11TrayArea> trayArea_;
+    std::unique_ptr<X11WindowActivation> windowActivation_;
     std::function<void()> onServerGone_;
     std::unique_ptr<DescriptorWatch> layoutWatch_;
 };

@@ -38,11 +38,20 @@ TEST_F(ListenerStatusTest, SaysWhatTheListenerDoes) {
         desktop.events.hasLocalMonitors = testCase.local;
         launch();
         EXPECT_EQ(app->model().hotkeyStatus(), testCase.status);
+        EXPECT_TRUE(desktop.interface.isEnableItemOn);
+        desktop.secureInput.isOn = true;
         app->applySettings(); // listening already
+        EXPECT_EQ(app->model().hotkeyStatus(),
+                  testCase.accessibility
+                      ? "Secure keyboard input is active. Leave password fields or disable Secure "
+                        "Keyboard Entry in Terminal."
+                      : testCase.status);
+        desktop.secureInput.isOn = false;
         EXPECT_EQ(desktop.events.tapCount(), testCase.taps);
         EXPECT_EQ(desktop.events.monitorCount(), testCase.monitors);
         app->model().setIsEnabled(false);
         EXPECT_EQ(desktop.events.tapCount() + desktop.events.monitorCount(), 0U);
+        EXPECT_FALSE(desktop.interface.isEnableItemOn);
     }
 }
 

@@ -115,8 +115,8 @@ TEST(Threads, ConversionRunsBesideTheMainThread) {
         const Desktop all = desktop.services();
         AppDelegate app({dispatch, all.log, all.eventSource, poster, all.inputSources,
                          all.keyTranslator, all.workspace, all.permissions, all.accessibility,
-                         all.pasteboard, all.applicationProbe},
-                        desktop.session());
+                         all.pasteboard, all.applicationProbe, all.secureInput},
+                        desktop.session(), desktop.interface);
         app.launch();
         const auto observation = app.model().observe([&](AppModelProperty property) {
             finished += property == AppModelProperty::statusMessage ? 1 : 0;

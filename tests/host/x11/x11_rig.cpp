@@ -82,7 +82,8 @@ Desktop X11Rig::services() {
             .permissions = services_->permissions(),
             .accessibility = accessibility_,
             .pasteboard = services_->pasteboard(),
-            .applicationProbe = services_->applicationProbe()};
+            .applicationProbe = services_->applicationProbe(),
+            .secureInput = secureEntry_};
 }
 
 void X11Rig::press(KeyCode keyCode) {

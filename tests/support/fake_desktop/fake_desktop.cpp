@@ -11,7 +11,20 @@ FakeDesktop::FakeDesktop() {
 
 Desktop FakeDesktop::services() {
     return {scheduler, log,         events,        keyboard,   layouts, translator,
-            windows,   permissions, accessibility, pasteboard, probe};
+            windows,   permissions, accessibility, pasteboard, probe,   secureInput};
+}
+
+SessionServices FakeDesktop::session() {
+    return {scheduler,
+            defaults,
+            login,
+            addresses,
+            lifecycle,
+            lifecycle,
+            lifecycle,
+            lifecycle,
+            [this](UserDriverDelegate&) { return std::make_unique<Updater>(sessionCalls); },
+            launchedInBackground};
 }
 
 void FakeDesktop::type(std::u16string_view labels) {

@@ -7,6 +7,7 @@
 #include "tests/support/fake_desktop/event_hub.h"
 #include "tests/support/fake_desktop/keyboard.h"
 #include "tests/support/fake_desktop/layouts.h"
+#include "tests/support/fake_desktop/lifecycle.h"
 #include "tests/support/fake_desktop/pasteboard.h"
 #include "tests/support/fake_desktop/recording_log.h"
 #include "tests/support/fake_desktop/scheduler.h"
@@ -15,13 +16,15 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 #include <string_view>
 
 namespace kelvora::fake {
 
 class Probe final : public ApplicationProbe {
 public:
-    explicit Probe(Scheduler& scheduler) : scheduler_(scheduler) {}
+    Probe(Scheduler& scheduler, const Pasteboard& pasteboard)
+        : scheduler_(scheduler), pasteboard_(pasteboard) {}
 
     double answerTime = 0; ///< seconds
 
@@ -29,9 +32,13 @@ public:
         scheduler_.pass(std::min(answerTime, timeout));
         return answerTime < timeout;
     }
+    [[nodiscard]] std::optional<bool> ownsPasteboard(FocusTarget /*target*/) override {
+        return pasteboard_.isOfFocusedProgram();
+    }
 
 private:
     Scheduler& scheduler_;
+    const Pasteboard& pasteboard_;
 };
 
 /// A whole session in memory, in virtual time: an editor with the focus, US and Russian layouts,
@@ -53,15 +60,19 @@ public:
     Windows windows{pasteboard, scheduler};
     Accessibility accessibility{windows, scheduler};
     Keyboard keyboard{scheduler, events, layouts, windows};
-    Probe probe{scheduler};
+    Probe probe{scheduler, pasteboard};
     SessionCalls sessionCalls;
     Permissions permissions{sessionCalls};
     Defaults defaults{sessionCalls};
     Login login;
     Addresses addresses{sessionCalls};
+    Secrecy secureInput;
+    Lifecycle lifecycle{sessionCalls};
+    Interface interface { sessionCalls };
+    bool launchedInBackground = true;
 
     [[nodiscard]] Desktop services();
-    [[nodiscard]] SessionServices session() { return {scheduler, defaults, login, addresses}; }
+    [[nodiscard]] SessionServices session();
 
     // What the user does, taking a user's time. Labels are those of a US board, whatever the active
     // layout makes of the keys.

@@ -4,6 +4,7 @@
 #include "host/address_opener.h"
 #include "host/login_item.h"
 #include "host/permissions.h"
+#include "host/secure_input.h"
 #include "host/user_defaults.h"
 
 #include <map>
@@ -14,7 +15,8 @@
 
 namespace kelvora::fake {
 
-/// What the program has asked of its session, in order: "store KEY", "prompt KIND", "open ADDRESS".
+/// What the program has asked of its session, in order: "store KEY", "prompt KIND", "open ADDRESS",
+/// and what lifecycle.h adds.
 using SessionCalls = std::vector<std::string>;
 
 class Permissions final : public kelvora::Permissions {
@@ -73,6 +75,13 @@ private:
     }
 
     SessionCalls& calls_;
+};
+
+class Secrecy final : public SecureInput {
+public:
+    bool isOn = false;
+
+    [[nodiscard]] bool isSecureEventInputEnabled() const override { return isOn; }
 };
 
 class Login final : public LoginItem {

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace kelvora::real {
 
@@ -16,6 +17,13 @@ Environment withLog(Environment environment) {
     return environment;
 }
 
+std::vector<std::string> command(const std::filesystem::path& executable, Program::Start start) {
+    if (start == Program::Start::byUser)
+        return {executable.string()};
+    // As at login: without a window, which would take the focus.
+    return {executable.string(), "--login-launch"};
+}
+
 } // namespace
 
 Program::Program(RealDesktop& desktop, const std::filesystem::path& executable, Start start)
@@ -24,7 +32,7 @@ Program::Program(RealDesktop& desktop, const std::filesystem::path& executable, 
 Program::Program(RealDesktop& desktop, const std::filesystem::path& executable, Start start,
                  const Environment& environment)
     : logFile_(desktop.newFile("program-log")),
-      process_({executable.string()},
+      process_(command(executable, start),
                {.environment = withLog(environment), .outputFile = logFile_}) {
     if (start == Start::asItIs) {
         return;

@@ -14,6 +14,7 @@ class Program {
 public:
     enum class Start {
         waitUntilListening,
+        byUser, ///< the same, as a user starts it, who is shown the preferences
         asItIs, ///< for starts that are expected to fail
     };
 

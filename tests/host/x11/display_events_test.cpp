@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#include "host/linux/x11/x11_display_events.h"
+#include "tests/host/desktop/private_bus.h"
+#include "tests/support/real_desktop/x_server.h"
+
+#include <gtest/gtest.h>
+
+namespace kelvora {
+namespace {
+
+TEST(X11DisplayEvents, EndOfBlankingIsAWake) {
+    real::XServer server;
+    PollLoop loop;
+    X11DisplayEvents events(connectX11(server.display().c_str()), loop);
+    int wakes = 0;
+    events.setOnDisplayWake([&] { ++wakes; });
+    const XcbConnectionPtr user = connectX11(server.display().c_str());
+    const auto force = [&](std::uint8_t mode) {
+        xcb_force_screen_saver(user.get(), mode);
+        xcb_flush(user.get());
+    };
+    for (const int round : {1, 2}) {
+        force(XCB_SCREEN_SAVER_ACTIVE);
+        loop.turn(std::chrono::seconds(10));
+        EXPECT_EQ(wakes, round - 1) << "blank is no wake";
+        force(XCB_SCREEN_SAVER_RESET);
+        EXPECT_TRUE(turnUntil(loop, [&] { return wakes == round; }));
+    }
+}
+
+} // namespace
+} // namespace kelvora
