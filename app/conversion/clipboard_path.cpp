@@ -19,9 +19,11 @@ namespace {
 
 // Seconds.
 constexpr double modifierTimeout = 0.3;
-constexpr double responseTimeout = 0.5;
+constexpr double responseTimeout = 0.5; // of each question
+constexpr int responseQuestions = 4;
 constexpr double handlingTimeout = 0.25; // and as long again until the next question
 constexpr int handlingQuestions = 4;
+constexpr int pasteQuestions = 20;
 constexpr double shortcutDelay = 0.015;
 constexpr double selectionPause = 0.015;
 constexpr double pollInterval = 0.015;
@@ -67,7 +69,7 @@ private:
     /// Up to the first write. False when nothing may be written or sent.
     [[nodiscard]] bool prepare() {
         // Keys sent now would take effect whenever it comes back to life.
-        if (!isResponding(responseTimeout)) {
+        if (!awaitResponse()) {
             services_.logger.error("Clipboard path not begun: the application does not answer. "
                                    "bundleID=%s",
                                    request_.bundleID);
@@ -127,14 +129,22 @@ private:
             return std::nullopt;
         }
         std::optional<CopiedText> copied = poll(copyTimeout);
-        return copied ? copied : awaitLateCopy();
+        if (!copied || ownsPasteboard() == false) {
+            return awaitLateCopy();
+        }
+        applicationsText_ = copied->text;
+        return copied;
     }
 
     /// A copy that comes too late must neither be taken for that of the whole field, which it
-    /// would replace, nor come after the restore.
+    /// would replace, nor come after the restore. What another program copied first must not be
+    /// pasted over the selection.
     [[nodiscard]] std::optional<CopiedText> awaitLateCopy() {
-        isInterrupted_ = !awaitHandling();
-        return isInterrupted_ || pasteboard_.changeCount() == ownCount_ ? std::nullopt : poll(0);
+        isInterrupted_ = !awaitHandling(handlingQuestions);
+        if (isInterrupted_ || pasteboard_.changeCount() == ownCount_) {
+            return std::nullopt;
+        }
+        return poll(0); // another's may be made on behalf of the application
     }
 
     [[nodiscard]] std::optional<CopiedText> poll(double timeout) {
@@ -146,10 +156,34 @@ private:
         return services_.applicationProbe.isResponding(services_.keyboard.target(), timeout);
     }
 
-    /// Waits up to two seconds for the application to have handled the keys that were sent: one
-    /// that answers has done so before. False when it does not answer.
-    [[nodiscard]] bool awaitHandling() {
-        for (int question = 0; question < handlingQuestions; ++question) {
+    [[nodiscard]] std::optional<bool> ownsPasteboard() {
+        return services_.applicationProbe.ownsPasteboard(services_.keyboard.target());
+    }
+
+    /// Whether the application's copy is there; a clipboard manager may have taken it over.
+    [[nodiscard]] bool holdsCopy() {
+        return ownsPasteboard().value_or(pasteboard_.changeCount() == ownCount_ + 1) ||
+               (!applicationsText_.empty() &&
+                pasteboard_.string(pasteboardType::string) == applicationsText_);
+    }
+
+    /// What was selected may keep it busy. Somebody who types on does not wait for it.
+    [[nodiscard]] bool awaitResponse() {
+        for (int question = 0; question < responseQuestions; ++question) {
+            if (isResponding(responseTimeout)) {
+                return true;
+            }
+            if (services_.keyboard.hasHeldKeys()) {
+                return false;
+            }
+        }
+        return false;
+    }
+
+    /// Waits up to half a second each for the application to have handled the keys that were sent:
+    /// one that answers has done so before. False when it does not answer.
+    [[nodiscard]] bool awaitHandling(int questions) {
+        for (int question = 0; question < questions; ++question) {
             if (isResponding(handlingTimeout)) {
                 return true;
             }
@@ -172,20 +206,25 @@ private:
     /// `copiedCount` is the change count of the copy.
     [[nodiscard]] ConversionOutcome paste(const StringConversion& conversion,
                                           std::int64_t copiedCount) {
-        isTaken_ = pasteboard_.changeCount() != copiedCount;
+        isTaken_ = pasteboard_.changeCount() != copiedCount && !holdsCopy();
         isInterrupted_ = isTaken_;
         write([&] { return pasteboard_.setString(conversion.converted, pasteboardType::string); });
         if (press(keyCode::v, eventFlag::command, shortcutDelay)) {
             isAllSelected_ = false;
             // What it pastes must be there until it has done so.
-            const bool isHandled = awaitHandling();
+            bool isHandled = awaitHandling(handlingQuestions);
+            if (!isHandled) {
+                services_.keyboard.end(); // nobody goes without keyboards for that long
+                mayReselect_ = false;
+                isHandled = awaitHandling(pasteQuestions);
+            }
             services_.poster.sleep(pastePause);
             isInterrupted_ = isInterrupted_ || !isHandled;
         }
         if (isInterrupted_) {
             return interrupted();
         }
-        if (selectionDetected_ && request_.reselectPastedText) {
+        if (selectionDetected_ && request_.reselectPastedText && mayReselect_) {
             reselect(std::min(characterCount(conversion.converted), maximumReselection));
         }
         services_.logger.info(
@@ -261,7 +300,7 @@ private:
             collapse();
         }
         const std::int64_t newer = pasteboard_.changeCount() - ownCount_;
-        if (!isTaken_ && (newer == 0 || (newer == 1 && isCopyRequested_))) {
+        if (!isTaken_ && (newer == 0 || (isCopyRequested_ && holdsCopy()))) {
             pasteboard_.restore(std::move(saved_));
         }
     }
@@ -271,13 +310,15 @@ private:
     Pasteboard& pasteboard_;
     PasteboardSnapshot saved_;
     std::int64_t countBefore_ = 0;
-    std::int64_t ownCount_ = 0; ///< after the last write here
-    std::u16string sentinel_;   ///< the last that was written
+    std::int64_t ownCount_ = 0;       ///< after the last write here
+    std::u16string sentinel_;         ///< the last that was written
+    std::u16string applicationsText_; ///< as it was copied; empty when that is not known
     std::string_view sentinelResult_;
     bool selectionDetected_ = false;
     bool isCopyRequested_ = false; ///< since the last write here
     bool isAllSelected_ = false;   ///< by this path, and nothing pasted over it
     bool isTaken_ = false;         ///< the pasteboard, by another program
+    bool mayReselect_ = true;
     /// That, or keys do not get to the application any more.
     bool isInterrupted_ = false;
 };

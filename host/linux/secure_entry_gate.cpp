@@ -17,15 +17,19 @@ bool isMouseDown(const InputEvent& event) {
            event.type == EventType::otherMouseDown;
 }
 
+bool isText(const InputEvent& event) {
+    const std::u16string_view text = event.text.view();
+    return event.type == EventType::keyDown && !text.empty() && text.front() >= u' ' &&
+           text.front() != u'\x7F';
+}
+
 /// Whatever is not plain text may: Tab, Return, an arrow, a shortcut, a function key.
 bool mayMoveFocus(const InputEvent& event) {
     if (isMouseDown(event))
         return true;
     if (event.type != EventType::keyDown || event.keyCode == keyCode::backspace)
         return false;
-    const std::u16string_view text = event.text.view();
-    return (event.flags & (eventFlag::control | eventFlag::command)) != 0 || text.empty() ||
-           text.front() < u' ' || text.front() == u'\x7F';
+    return (event.flags & (eventFlag::control | eventFlag::command)) != 0 || !isText(event);
 }
 
 void wipe(InputEvent& event) {
@@ -58,8 +62,9 @@ void SecureEntryGate::handleEvent(const InputEvent& event, Time now) {
         return;
     }
     releaseDue(now);
-    if (now < releaseTime(holdEnd_)) {
-        hold(event);
+    const Time end = isText(event) ? textHoldEnd_ : holdEnd_;
+    if (!held_.empty() || now < releaseTime(end)) {
+        hold(event, end);
     } else {
         InputEvent copy = event;
         decide(copy, epoch_, now);
@@ -115,7 +120,7 @@ void SecureEntryGate::handleFence(std::uint8_t fence, Time now) {
     if (held_.empty())
         outputs_.onFencePassed(fence);
     else
-        hold(Fence{fence});
+        hold(Fence{fence}, holdEnd_);
 }
 
 void SecureEntryGate::handleTimer(Time now) {
@@ -163,6 +168,7 @@ void SecureEntryGate::onFocusReport(const FocusReport& report, Time now) {
         if (before == FocusSecrecy::secret || before == FocusSecrecy::pending)
             clear();
         holdEnd_ = now;
+        textHoldEnd_ = now;
         releaseDue(Time::max());
     }
     // Not at once: the next report may already be there, and say that the focus has moved on.
@@ -175,12 +181,13 @@ void SecureEntryGate::beginEpoch(Time now) {
         lastSecretEpoch_ = epoch_;
     ++epoch_;
     holdEnd_ = now + longestHold;
+    textHoldEnd_ = now + longestTextHold;
 }
 
-void SecureEntryGate::hold(std::variant<InputEvent, Fence> item) {
-    held_.push_back({item, epoch_, holdEnd_});
+void SecureEntryGate::hold(std::variant<InputEvent, Fence> item, Time end) {
+    held_.push_back({item, epoch_, end});
     if (held_.size() == 1)
-        outputs_.setTimer(releaseTime(holdEnd_));
+        outputs_.setTimer(releaseTime(end));
 }
 
 SecureEntryGate::Time SecureEntryGate::releaseTime(Time end) const {

@@ -18,14 +18,18 @@ namespace kelvora {
 /// password field.
 ///
 /// News of the focus comes late. So what follows an event that may have moved the focus is held
-/// back, in its order, for `longestHold`; by then it is known where it went, or that this is still
-/// to be found out. Then it is held for `longestPending`, and withheld as secret after that. While
-/// nobody follows the focus everything passes at once. Main thread only; keeps no clock of its own.
+/// back, in its order, for `longestHold`, and text for `longestTextHold`; by then it is known where
+/// it went, or that this is still to be found out. Then it is held for `longestPending`, and
+/// withheld as secret after that. While nobody follows the focus everything passes at once. Main
+/// thread only; keeps no clock of its own.
 class SecureEntryGate final : private SecureEntryListener {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
     static constexpr std::chrono::milliseconds longestHold{50};
+    /// A browser tells of its focus when the page has dealt with the key, and not before. Nobody
+    /// waits for a text to be recorded, so that this costs nothing.
+    static constexpr std::chrono::milliseconds longestTextHold{250};
     static constexpr std::chrono::milliseconds longestPending{300};
     /// A focus that moves longer than this after the user's last act was moved by the application.
     static constexpr std::chrono::seconds longestEffect{1};
@@ -78,7 +82,7 @@ private:
     void onFocusReport(const FocusReport& report, Time now) override;
     void loseKeyboard(Time now);
     void beginEpoch(Time now);
-    void hold(std::variant<InputEvent, Fence> item);
+    void hold(std::variant<InputEvent, Fence> item, Time end);
     void releaseDue(Time now);
     /// When that which may go at `end` is to go, as far as is known.
     [[nodiscard]] Time releaseTime(Time end) const;
@@ -105,6 +109,7 @@ private:
     /// In which typed text was dropped: the rest of the same word must not be taken for all of it.
     Epoch incompleteEpoch_ = 0;
     Time holdEnd_ = Time::min();
+    Time textHoldEnd_ = Time::min();
 };
 
 } // namespace kelvora

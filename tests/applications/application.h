@@ -35,7 +35,11 @@ enum class Reading {
 };
 
 /// What accessibility tells the program under test about an application.
-enum class Awareness { accessible, unaware };
+enum class Awareness {
+    accessible,
+    readable, ///< its fields, but they cannot be written that way
+    unaware,
+};
 
 /// Whether each selection is to be had as the PRIMARY selection. GTK 4.8's entry and Qt 5 do not
 /// offer every one.

@@ -19,7 +19,7 @@ ApplicationSpec chromium(const std::filesystem::path& documents, Awareness aware
                                      "file://" + (documents / "fields.html").string() + "#{field}"},
                          .fields = {Field::entry, Field::text, Field::editable, Field::readOnly},
                          .awareness = awareness};
-    if (awareness == Awareness::accessible) {
+    if (awareness == Awareness::readable) {
         spec.name += ", accessibility on";
         spec.command.insert(spec.command.begin() + 1, "--force-renderer-accessibility");
         spec.fields.push_back(Field::password);
@@ -72,6 +72,7 @@ std::vector<ApplicationSpec> clipboardManagers(const std::filesystem::path& fold
     const std::vector<std::vector<std::string>> managers{
         {"parcellite"}, {"clipit"}, {"xfce4-clipman"}, {"copyq"}, {"diodon"}};
     std::vector<ApplicationSpec> specs;
+    specs.reserve(managers.size());
     for (const std::vector<std::string>& manager : managers) {
         specs.push_back({.name = manager.front() + " beside a GTK 3 window",
                          .toolkit = "clipboard manager",
@@ -150,7 +151,7 @@ std::vector<ApplicationSpec> distributedApplications(const std::filesystem::path
          .fields = {Field::text},
          .reading = Reading::accessibility,
          .selectionReport = SelectionReport::sometimes},
-        chromium(documents, Awareness::accessible),
+        chromium(documents, Awareness::readable),
         chromium(documents, Awareness::unaware),
         {.name = "LibreOffice Writer",
          .toolkit = "VCL (GTK 3)",

@@ -28,6 +28,8 @@ struct Scenario {
     /// What it makes of it in an application that tells nothing of its fields; as `after` when
     /// empty.
     std::string afterUnaware{};
+    /// The same in one whose fields can only be read.
+    std::string afterReadable{};
     std::string orElse{}; ///< another text that is right as well; none when empty
     Event event = Event::none;
 };

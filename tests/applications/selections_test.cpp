@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <ostream>
+#include <string>
 
 namespace kelvora::applications {
 
@@ -25,7 +26,12 @@ TEST_P(Selections, AreConverted) {
 }
 
 INSTANTIATE_TEST_SUITE_P(FieldWindows, Selections,
-                         testing::ValuesIn(fieldWindows(KELVORA_FIELD_WINDOWS)));
+                         testing::ValuesIn(fieldWindows(KELVORA_FIELD_WINDOWS)),
+                         [](const auto& window) {
+                             std::string name = window.param.name;
+                             std::erase(name, ' ');
+                             return name;
+                         });
 
 } // namespace
 

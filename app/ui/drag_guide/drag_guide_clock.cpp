@@ -51,7 +51,7 @@ bool DragGuideClock::eventFilter(QObject* object, QEvent* event) {
     case QEvent::Hide:
     case QEvent::WindowStateChange:
         // The window itself takes the event after its filters.
-        QMetaObject::invokeMethod(this, &DragGuideClock::startOrStop, Qt::QueuedConnection);
+        recheck_.start(0, this);
         break;
     default:
         break;
@@ -62,6 +62,9 @@ bool DragGuideClock::eventFilter(QObject* object, QEvent* event) {
 void DragGuideClock::timerEvent(QTimerEvent* event) {
     if (event->timerId() == timer_.timerId()) {
         setAnimationTime(nextAnimationTime(animationTime_));
+    } else if (event->timerId() == recheck_.timerId()) {
+        recheck_.stop();
+        startOrStop();
     } else {
         QQuickItem::timerEvent(event);
     }

@@ -68,6 +68,7 @@ private:
 
     QPointer<QQuickWindow> window_;
     QBasicTimer timer_;
+    QBasicTimer recheck_; ///< at the next turn of the event loop
     bool isInView_ = true;
     double animationTime_ = 0;
     DragIconState icon_ = calculateDragIconState(0);

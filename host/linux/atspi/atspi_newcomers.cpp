@@ -10,9 +10,11 @@
 namespace kelvora {
 namespace {
 
-/// From one look to the next.
-constexpr std::array pauses{std::chrono::milliseconds(300), std::chrono::milliseconds(1000),
-                            std::chrono::milliseconds(3000)};
+using namespace std::chrono_literals;
+
+/// From one look to the next. Close together at first: what is typed into a window that has just
+/// come waits only so long to be told from a password.
+constexpr std::array pauses{50ms, 100ms, 150ms, 300ms, 700ms, 1500ms, 3000ms};
 
 } // namespace
 

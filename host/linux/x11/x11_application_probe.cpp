@@ -62,6 +62,7 @@ X11ApplicationProbe::X11ApplicationProbe(XcbConnectionPtr connection)
                        {"_NET_WM_PING", &atoms_.ping},
                        {"WM_STATE", &atoms_.state},
                        {"_NET_WM_PID", &atoms_.processIdentifier},
+                       {"CLIPBOARD", &atoms_.clipboard},
                    });
 }
 
@@ -77,6 +78,17 @@ bool X11ApplicationProbe::isResponding(FocusTarget target, double timeout) {
     if (process != 0 && isStopped(process))
         return false;
     return !answersPings(window) || isAnswered(window, deadline);
+}
+
+std::optional<bool> X11ApplicationProbe::ownsPasteboard(FocusTarget target) {
+    const xcb_window_t window = clientWindow(static_cast<xcb_window_t>(target.id));
+    const XcbPtr<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection_.get(), xcb_get_selection_owner(connection_.get(), atoms_.clipboard), nullptr));
+    if (window == XCB_NONE || !reply)
+        return std::nullopt;
+    // The server hands each client the identifiers with the same bits above this mask.
+    const std::uint32_t clientBits = ~xcb_get_setup(connection_.get())->resource_id_mask;
+    return reply->owner == XCB_NONE || ((reply->owner ^ window) & clientBits) == 0;
 }
 
 /// The application's own window within the window manager's frame; XCB_NONE when there is none.

@@ -20,6 +20,8 @@ public:
     [[nodiscard]] static std::unique_ptr<X11ApplicationProbe> create(const char* display);
 
     [[nodiscard]] bool isResponding(FocusTarget target, double timeout) override;
+    /// A program that has its copies made by another process counts as not owning them.
+    [[nodiscard]] std::optional<bool> ownsPasteboard(FocusTarget target) override;
 
 private:
     using Deadline = std::chrono::steady_clock::time_point;
@@ -45,6 +47,7 @@ private:
         xcb_atom_t ping = XCB_ATOM_NONE;
         xcb_atom_t state = XCB_ATOM_NONE;
         xcb_atom_t processIdentifier = XCB_ATOM_NONE;
+        xcb_atom_t clipboard = XCB_ATOM_NONE;
     } atoms_;
 };
 

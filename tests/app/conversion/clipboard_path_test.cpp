@@ -218,6 +218,39 @@ TEST_F(ClipboardPathTest, WhoeverTakesThePasteboardMeanwhileKeepsIt) {
     }
 }
 
+TEST_F(ClipboardPathTest, WhatAnotherProgramCopiesIsNotTakenForTheSelection) {
+    struct Case {
+        const char* name;
+        std::u16string before;
+        double copyDelay; // of the application; the other program copies at 0.02
+        std::u16string_view other;
+        std::u16string after;
+        std::u16string_view keys;
+        bool isRestored;
+    };
+    const Case cases[] = {
+        {"the application's comes last", u"[vbh]", 0.1, u"ghbdtn", u"мир|", u"CV", true},
+        {"and is not convertible", u"[2024]", 0.1, u"ghbdtn", u"[2024]", u"C", true},
+        {"there is none", u"vb|h", 0, u"2024", u"vb|h", u"C", false},
+        {"made on its behalf", u"vb|h", 0, u"vbh", u"vbмир|h", u"CV", true},
+        {"a manager takes the pasteboard first", u"[2024]", 0, u"2024", u"[2024]", u"C", false},
+    };
+    request.reselectPastedText = false;
+    for (const Case& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        show(testCase.before);
+        field().copyDelay = testCase.copyDelay;
+        desktop.probe.answerTime = 0;
+        desktop.at(0.01, [this] { desktop.probe.answerTime = 0.2; }); // busy with the copy
+        desktop.at(0.02, [&] { desktop.pasteboard.copyText(testCase.other); });
+        const int restoreCount = desktop.pasteboard.restoreCount();
+        static_cast<void>(convert());
+        EXPECT_EQ(posted(), testCase.keys);
+        EXPECT_EQ(shown(), testCase.after);
+        EXPECT_EQ(desktop.pasteboard.restoreCount(), restoreCount + (testCase.isRestored ? 1 : 0));
+    }
+}
+
 TEST_F(ClipboardPathTest, StopsAndRestoresWhenItsKeysOrItsTextWouldGoAstray) {
     struct Case {
         const char* name;
@@ -291,13 +324,24 @@ TEST_F(ClipboardPathTest, ALateCopyOfTheSelectionIsNotTakenForTheWholeField) {
 }
 
 TEST_F(ClipboardPathTest, APasteThatComesLateFindsTheConversion) {
-    field().pasteDelay = 0.9;
-    desktop.at(0.04, [this] { desktop.probe.answerTime = 9; });
-    desktop.at(1, [this] { desktop.probe.answerTime = 0; });
-    show(u"a [vbh]");
-    EXPECT_EQ(convert(), converted);
-    EXPECT_EQ(shown(), u"a [мир]");
-    EXPECT_EQ(desktop.pasteboard.contents(), users);
+    struct Case {
+        double delay;
+        std::u16string_view after;
+    };
+    // What is typed on is not kept back for longer than a moment, and must not replace the text.
+    for (const Case& testCase : {Case{0.9, u"a [мир]"}, {5, u"a мирx|"}}) {
+        field().pasteDelay = testCase.delay;
+        desktop.probe.answerTime = 0;
+        desktop.at(0.04, [this] { desktop.probe.answerTime = 9; });
+        desktop.at(testCase.delay + 0.1, [this] { desktop.probe.answerTime = 0; });
+        if (testCase.delay > 2) {
+            desktop.at(testCase.delay + 0.1, [this] { desktop.strike(u'x'); });
+        }
+        show(u"a [vbh]");
+        EXPECT_EQ(convert(), converted);
+        EXPECT_EQ(shown(), testCase.after);
+        EXPECT_EQ(desktop.pasteboard.contents(), users);
+    }
 }
 
 TEST_F(ClipboardPathTest, WhatIsNoTextIsNotReplaced) {

@@ -120,6 +120,25 @@ TEST_F(ApplicationProbeTest, IsTrueWhereItCannotBeFoundOut) {
     EXPECT_EQ(X11ApplicationProbe::create(server_.display().c_str()), nullptr);
 }
 
+TEST_F(ApplicationProbeTest, KnowsWhoseCopyItIs) {
+    const xcb_window_t frame = client_.window(client_.root());
+    client_.atom("DONE");
+    WindowClient application(server_.display());
+    const xcb_window_t top = application.window(frame);
+    application.set(top, "WM_STATE", application.atom("WM_STATE"), 1);
+    EXPECT_EQ(probe_->ownsPasteboard({frame}), true) << "nothing to own";
+    const auto copy = [](WindowClient& client) {
+        xcb_set_selection_owner(client.connection(), client.window(client.root()),
+                                client.atom("CLIPBOARD"), XCB_CURRENT_TIME);
+        client.atom("DONE");
+    };
+    copy(application);
+    EXPECT_EQ(probe_->ownsPasteboard({frame}), true);
+    copy(client_);
+    EXPECT_EQ(probe_->ownsPasteboard({frame}), false) << "the window manager's";
+    EXPECT_EQ(probe_->ownsPasteboard({client_.root()}), std::nullopt);
+}
+
 TEST_F(ApplicationProbeTest, StoppedProcessDoesNotRespond) {
     real::ChildProcess process({"sleep", "1000"}, {.environment = {{"PATH", "/usr/bin:/bin"}}});
     const xcb_window_t top = window(client_.root(), "WM_DELETE_WINDOW");

@@ -26,11 +26,13 @@ void Pasteboard::copy(PasteboardSnapshot items) {
     items_ = std::move(items);
     marker_.reset();
     isOurs_ = false;
+    owner_ = Program::other;
     ++changeCount_;
 }
 
-void Pasteboard::copyText(std::u16string_view text) {
+void Pasteboard::copyText(std::u16string_view text, Program program) {
     copy({{{pasteboardData(std::string(pasteboardType::string), toUtf8(text))}}});
+    owner_ = program;
 }
 
 std::vector<std::string> Pasteboard::contents() const {

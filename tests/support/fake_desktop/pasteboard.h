@@ -13,9 +13,12 @@ namespace kelvora::fake {
 /// The session's pasteboard, and the other programs that use it.
 class Pasteboard final : public kelvora::Pasteboard {
 public:
-    /// Another program takes the pasteboard.
+    enum class Program { focused, other };
+
+    /// A program takes the pasteboard.
     void copy(PasteboardSnapshot items);
-    void copyText(std::u16string_view text);
+    void copyText(std::u16string_view text, Program program = Program::other);
+    [[nodiscard]] bool isOfFocusedProgram() const { return owner_ == Program::focused; }
 
     /// Types that owners name and then refuse.
     std::set<std::string> refusedTypes;
@@ -49,6 +52,7 @@ private:
     PasteboardSnapshot items_;
     std::int64_t changeCount_ = 40;
     bool isOurs_ = false;
+    Program owner_ = Program::other; ///< unless it is ours
     std::optional<std::u16string> marker_;
     std::vector<std::u16string> written_;
     int restoreCount_ = 0;

@@ -28,7 +28,8 @@ void TextField::receiveShortcut(KeyCode keyCode) {
         select(0, text_.size());
     } else if (keyCode == keyCode::c && anchor_ != caret_) {
         scheduler_.at(copyDelay, [this] {
-            pasteboard_.copyText(copies ? copies(selectedText()) : selectedText());
+            pasteboard_.copyText(copies ? copies(selectedText()) : selectedText(),
+                                 Pasteboard::Program::focused);
         });
     } else if (keyCode == keyCode::v) {
         const auto paste = [this] { insert(pasteboard_.paste().value_or(u"")); };
