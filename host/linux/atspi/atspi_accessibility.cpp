@@ -56,7 +56,7 @@ public:
         const auto states = session_->states(*object);
         if (isWithoutAnswer(states.error))
             return {AccessibilityError::cannotComplete, {}};
-        if (!states || !states.value.has(AtspiState::focused))
+        if (!states || !isCredible(states.value))
             return {AccessibilityError::noValue, {}};
         return {AccessibilityError::success, std::make_shared<AtspiElement>(session_, *object)};
     }
@@ -64,6 +64,11 @@ public:
 protected:
     [[nodiscard]] virtual std::optional<AtspiReference> known() const {
         return focus_.focusedElement();
+    }
+    /// An application may keep a focus in a window that it has hidden, while another one, which
+    /// tells nothing of itself, has the keyboard.
+    [[nodiscard]] virtual bool isCredible(const AtspiStates& states) const {
+        return states.has(AtspiState::focused) && states.has(AtspiState::visible);
     }
 
     const AtspiFocus& focus_;
@@ -96,6 +101,10 @@ public:
 protected:
     [[nodiscard]] std::optional<AtspiReference> known() const override {
         return focus_.focusedElement(process_);
+    }
+    /// Its process is known to have the keyboard.
+    [[nodiscard]] bool isCredible(const AtspiStates& states) const override {
+        return states.has(AtspiState::focused);
     }
 
 private:

@@ -35,6 +35,7 @@ enum class AtspiState : std::uint32_t {
     sensitive = 24,
     showing = 25,
     singleLine = 26,
+    visible = 30,
     managesDescendants = 31,
     readOnly = 43,
 };

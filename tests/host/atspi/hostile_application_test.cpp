@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tests/host/atspi/hostile_application.h"
 
+#include "host/linux/atspi/atspi_accessibility.h"
 #include "host/linux/atspi/atspi_element.h"
+#include "host/linux/atspi/atspi_focus.h"
+#include "host/linux/atspi/atspi_opt_in.h"
 #include "tests/support/real_desktop/wait_until.h"
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace kelvora {
 namespace {
@@ -126,6 +131,29 @@ TEST(HostileApplications, AreSentNoTextThatTheBusCannotCarry) {
                   AccessibilityError::illegalArgument);
     EXPECT_EQ(element.setAttributeValue(selectedText, true), AccessibilityError::illegalArgument);
     EXPECT_EQ(application.text(), U"one two three");
+}
+
+// It keeps its focus in a window that nobody sees while another program has the keyboard.
+TEST(HostileApplications, AreOnlyAskedInsteadOfAnotherWhileTheyAreVisible) {
+    struct KnownFocus final : AtspiFocus {
+        explicit KnownFocus(AtspiReference known) : object(std::move(known)) {}
+        [[nodiscard]] std::optional<AtspiReference>
+        focusedElement(std::int32_t /*process*/) const override {
+            return object;
+        }
+        [[nodiscard]] std::optional<AtspiReference> focusedElement() const override {
+            return object;
+        }
+        AtspiReference object;
+    };
+    HostileApplication application(Misdeed::none);
+    const KnownFocus focus(application.object());
+    AtspiOptIn optIn({});
+    AtspiAccessibility accessibility(focus, optIn);
+    EXPECT_EQ(accessibility.createSystemWide()->copyAttributeValue(focusedElement).error,
+              AccessibilityError::noValue);
+    EXPECT_EQ(accessibility.createApplication(1)->copyAttributeValue(focusedElement).error,
+              AccessibilityError::success);
 }
 
 } // namespace
