@@ -59,9 +59,9 @@ void TimedSecureEntryGate::setTimer(SecureEntryGate::Time time) const {
     using namespace std::chrono;
     const auto since = duration_cast<nanoseconds>(time.time_since_epoch()).count();
     constexpr std::int64_t second = 1'000'000'000;
-    const itimerspec spec{.it_interval = {},
-                          .it_value = {.tv_sec = since / second, .tv_nsec = since % second}};
-    timerfd_settime(timer_, TFD_TIMER_ABSTIME, &spec, nullptr);
+    const itimerspec expiry{.it_interval = {},
+                            .it_value = {.tv_sec = since / second, .tv_nsec = since % second}};
+    timerfd_settime(timer_, TFD_TIMER_ABSTIME, &expiry, nullptr);
 }
 
 void TimedSecureEntryGate::handleTimer() {

@@ -18,9 +18,9 @@ using namespace kelvora::real;
 
 namespace {
 
-Environment environmentFor(const RealDesktop& desktop, const ApplicationSpec& spec) {
+Environment environmentFor(const RealDesktop& desktop, const ApplicationDescription& description) {
     Environment environment = desktop.environment();
-    for (const auto& [name, value] : spec.environment) {
+    for (const auto& [name, value] : description.environment) {
         environment[name] = value;
     }
     return environment;
@@ -41,11 +41,13 @@ const char* nameOf(Field field) {
     return names.at(static_cast<std::size_t>(field));
 }
 
-Application::Application(RealDesktop& desktop, const ApplicationSpec& spec, Field field)
-    : desktop_(desktop), spec_(spec), field_(field), folder_(desktop.newFile("folder")) {
+Application::Application(RealDesktop& desktop, const ApplicationDescription& description,
+                         Field field)
+    : desktop_(desktop), description_(description), field_(field),
+      folder_(desktop.newFile("folder")) {
     const std::vector<WindowId> earlier = topWindows(desktop.display());
     child_ = std::make_unique<ChildProcess>(
-        command(), ChildProcess::Options{.environment = environmentFor(desktop, spec),
+        command(), ChildProcess::Options{.environment = environmentFor(desktop, description),
                                          .outputFile = desktop.newFile("application-output")});
     const auto findWindow = [&] {
         for (const WindowId window : topWindows(desktop_.display())) {
@@ -78,25 +80,25 @@ Application::~Application() {
 
 std::vector<std::string> Application::command() {
     std::filesystem::create_directories(folder_);
-    if (spec_.reading == Reading::folder) {
+    if (description_.reading == Reading::folder) {
         std::ofstream(folder_ / "ghbdtn rfr.txt") << "ghbdtn\n";
     }
-    if (spec_.reading == Reading::received) {
+    if (description_.reading == Reading::received) {
         // Raw: a Control-C is a byte like any other here, and shows.
         std::ofstream(folder_ / "script")
             << "stty raw -echo\nexec cat >'" << (folder_ / "received").string() << "'\n";
     }
-    const std::filesystem::path document = folder_ / spec_.document.filename();
-    if (!spec_.document.empty()) {
+    const std::filesystem::path document = folder_ / description_.document.filename();
+    if (!description_.document.empty()) {
         // Some leave a lock beside it when they are killed.
-        std::filesystem::copy_file(spec_.document, document);
+        std::filesystem::copy_file(description_.document, document);
     }
     const std::array<std::pair<std::string, std::string>, 4> placeholders{
         {{"{field}", nameOf(field_)},
          {"{folder}", folder_.string()},
          {"{document}", document.string()},
          {"{script}", (folder_ / "script").string()}}};
-    std::vector<std::string> words = spec_.command;
+    std::vector<std::string> words = description_.command;
     for (std::string& word : words) {
         for (const auto& [placeholder, value] : placeholders) {
             if (const std::size_t at = word.find(placeholder); at != std::string::npos) {
@@ -112,7 +114,7 @@ bool Application::activate() {
 }
 
 bool Application::isReadyForKeys() {
-    switch (spec_.reading) {
+    switch (description_.reading) {
     case Reading::title:
         if (windowTitle(desktop_.display(), window_).starts_with("text:")) {
             return true;
@@ -134,7 +136,7 @@ bool Application::isReadyForKeys() {
 }
 
 std::string Application::text() {
-    switch (spec_.reading) {
+    switch (description_.reading) {
     case Reading::title: {
         const std::string title = windowTitle(desktop_.display(), window_);
         return textOfTitle(title.substr(0, title.find(' ')));
@@ -185,7 +187,7 @@ bool Application::setText(const std::string& utf8) {
         return false;
     }
     Keyboard& keyboard = desktop_.keyboard();
-    if (spec_.reading == Reading::received) {
+    if (description_.reading == Reading::received) {
         keyboard.type(utf8);
         return comesToShow(utf8);
     }
@@ -193,7 +195,7 @@ bool Application::setText(const std::string& utf8) {
     keyboard.chord("Delete");
     keyboard.chord("Control_L+Home");
     // It may still be busy with the keys that came before.
-    if (spec_.reading != Reading::copying && !comesToShow("", std::chrono::seconds(30))) {
+    if (description_.reading != Reading::copying && !comesToShow("", std::chrono::seconds(30))) {
         return false;
     }
     if (field_ == Field::password) {

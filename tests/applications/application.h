@@ -45,7 +45,7 @@ enum class Awareness {
 /// offer every one.
 enum class SelectionReport { always, sometimes };
 
-struct ApplicationSpec {
+struct ApplicationDescription {
     std::string name;
     std::string toolkit;
     std::string package; ///< whose version is the application's
@@ -64,7 +64,7 @@ struct ApplicationSpec {
 /// One running application with the focus in one of its fields.
 class Application {
 public:
-    Application(real::RealDesktop& desktop, const ApplicationSpec& spec, Field field);
+    Application(real::RealDesktop& desktop, const ApplicationDescription& description, Field field);
     ~Application();
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
@@ -90,7 +90,7 @@ private:
     [[nodiscard]] std::string copyAll();
 
     real::RealDesktop& desktop_;
-    const ApplicationSpec& spec_;
+    const ApplicationDescription& description_;
     Field field_;
     std::filesystem::path folder_; ///< for what "{folder}" and "{script}" stand for
     std::unique_ptr<real::ChildProcess> child_;

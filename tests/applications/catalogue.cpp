@@ -9,27 +9,28 @@ const std::vector<Field> everyField{Field::entry, Field::text, Field::readOnly, 
 // A field that tells nothing of itself cannot be told to be a password's.
 const std::vector<Field> unawareFields{Field::entry, Field::text, Field::readOnly};
 
-ApplicationSpec chromium(const std::filesystem::path& documents, Awareness awareness) {
-    ApplicationSpec spec{.name = "Chromium",
-                         .toolkit = "Chromium",
-                         .package = "chromium",
-                         .command = {"chromium", "--no-sandbox", "--no-first-run",
-                                     "--no-default-browser-check", "--password-store=basic",
-                                     "--disable-gpu", "--hide-crash-restore-bubble",
-                                     "file://" + (documents / "fields.html").string() + "#{field}"},
-                         .fields = {Field::entry, Field::text, Field::editable, Field::readOnly},
-                         .awareness = awareness};
+ApplicationDescription chromium(const std::filesystem::path& documents, Awareness awareness) {
+    ApplicationDescription description{
+        .name = "Chromium",
+        .toolkit = "Chromium",
+        .package = "chromium",
+        .command = {"chromium", "--no-sandbox", "--no-first-run", "--no-default-browser-check",
+                    "--password-store=basic", "--disable-gpu", "--hide-crash-restore-bubble",
+                    "file://" + (documents / "fields.html").string() + "#{field}"},
+        .fields = {Field::entry, Field::text, Field::editable, Field::readOnly},
+        .awareness = awareness};
     if (awareness == Awareness::readable) {
-        spec.name += ", accessibility on";
-        spec.command.insert(spec.command.begin() + 1, "--force-renderer-accessibility");
-        spec.fields.push_back(Field::password);
+        description.name += ", accessibility on";
+        description.command.insert(description.command.begin() + 1,
+                                   "--force-renderer-accessibility");
+        description.fields.push_back(Field::password);
     }
-    return spec;
+    return description;
 }
 
 } // namespace
 
-std::vector<ApplicationSpec> fieldWindows(const std::filesystem::path& folder) {
+std::vector<ApplicationDescription> fieldWindows(const std::filesystem::path& folder) {
     const auto command = [&](const char* program) {
         return std::vector<std::string>{(folder / program).string(), "{field}"};
     };
@@ -68,25 +69,25 @@ std::vector<ApplicationSpec> fieldWindows(const std::filesystem::path& folder) {
     };
 }
 
-std::vector<ApplicationSpec> clipboardManagers(const std::filesystem::path& folder) {
+std::vector<ApplicationDescription> clipboardManagers(const std::filesystem::path& folder) {
     const std::vector<std::vector<std::string>> managers{
         {"parcellite"}, {"clipit"}, {"xfce4-clipman"}, {"copyq"}, {"diodon"}};
-    std::vector<ApplicationSpec> specs;
-    specs.reserve(managers.size());
+    std::vector<ApplicationDescription> descriptions;
+    descriptions.reserve(managers.size());
     for (const std::vector<std::string>& manager : managers) {
-        specs.push_back({.name = manager.front() + " beside a GTK 3 window",
-                         .toolkit = "clipboard manager",
-                         .package = manager.front(),
-                         .command = {(folder / "fields_gtk3").string(), "{field}"},
-                         .fields = {Field::entry},
-                         .awareness = Awareness::unaware,
-                         .environment = {{"NO_AT_BRIDGE", "1"}},
-                         .companion = manager});
+        descriptions.push_back({.name = manager.front() + " beside a GTK 3 window",
+                                .toolkit = "clipboard manager",
+                                .package = manager.front(),
+                                .command = {(folder / "fields_gtk3").string(), "{field}"},
+                                .fields = {Field::entry},
+                                .awareness = Awareness::unaware,
+                                .environment = {{"NO_AT_BRIDGE", "1"}},
+                                .companion = manager});
     }
-    return specs;
+    return descriptions;
 }
 
-std::vector<ApplicationSpec> terminals() {
+std::vector<ApplicationDescription> terminals() {
     enum class Command { words, line };
     struct Row {
         const char* name;
@@ -111,7 +112,7 @@ std::vector<ApplicationSpec> terminals() {
         {"Konsole", "konsole", "Qt 5", {"konsole", "--separate", "-e"}},
         {"QTerminal", "qterminal", "Qt 5", {"qterminal", "-e"}, Command::line},
     };
-    std::vector<ApplicationSpec> specs;
+    std::vector<ApplicationDescription> descriptions;
     for (const Row& row : rows) {
         std::vector<std::string> command = row.command;
         if (row.form == Command::line) {
@@ -119,18 +120,19 @@ std::vector<ApplicationSpec> terminals() {
         } else {
             command.insert(command.end(), {"sh", "{script}"});
         }
-        specs.push_back({.name = row.name,
-                         .toolkit = row.toolkit,
-                         .package = row.package,
-                         .command = command,
-                         .fields = {Field::terminal},
-                         .reading = Reading::received,
-                         .environment = {{"LIBGL_ALWAYS_SOFTWARE", "1"}}});
+        descriptions.push_back({.name = row.name,
+                                .toolkit = row.toolkit,
+                                .package = row.package,
+                                .command = command,
+                                .fields = {Field::terminal},
+                                .reading = Reading::received,
+                                .environment = {{"LIBGL_ALWAYS_SOFTWARE", "1"}}});
     }
-    return specs;
+    return descriptions;
 }
 
-std::vector<ApplicationSpec> distributedApplications(const std::filesystem::path& documents) {
+std::vector<ApplicationDescription>
+distributedApplications(const std::filesystem::path& documents) {
     return {
         {.name = "Mousepad",
          .toolkit = "GTK 3",

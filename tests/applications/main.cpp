@@ -48,16 +48,17 @@ std::string shown(const std::string& text) {
     return result;
 }
 
-void print(const ApplicationSpec& spec, const std::string& version, const Observation& seen) {
+void print(const ApplicationDescription& description, const std::string& version,
+           const Observation& seen) {
     std::string result = seen.problems.empty() ? "as it should be" : "";
     for (const std::string& problem : seen.problems) {
         result += (result.empty() ? "" : "; ") + shown(problem);
         std::fprintf(stderr, "%s, %s, %s: %.400s\n", seen.application.c_str(), seen.field.c_str(),
                      seen.scenario.c_str(), problem.c_str());
     }
-    const std::array cells{spec.name,      version,     spec.toolkit,       seen.field,
-                           seen.scenario,  seen.path,   shown(seen.before), shown(seen.after),
-                           seen.clipboard, seen.layout, seen.undo,          result};
+    const std::array cells{description.name, version,     description.toolkit, seen.field,
+                           seen.scenario,    seen.path,   shown(seen.before),  shown(seen.after),
+                           seen.clipboard,   seen.layout, seen.undo,           result};
     std::string row = "|";
     for (const std::string& cell : cells) {
         row += " " + cell + " |";
@@ -75,23 +76,23 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    std::vector<ApplicationSpec> specs;
-    for (std::vector<ApplicationSpec>& some : std::array{
+    std::vector<ApplicationDescription> descriptions;
+    for (std::vector<ApplicationDescription>& some : std::array{
              fieldWindows(argv[2]), distributedApplications(std::filesystem::absolute(argv[3])),
              clipboardManagers(argv[2]), terminals()}) {
-        std::move(some.begin(), some.end(), std::back_inserter(specs));
+        std::move(some.begin(), some.end(), std::back_inserter(descriptions));
     }
     std::puts("| application | version | toolkit | field | case | way | before | after | clipboard "
               "| layout after | undo | result |\n"
               "|---|---|---|---|---|---|---|---|---|---|---|---|");
     bool isRight = true;
-    for (const ApplicationSpec& spec : specs) {
-        if (argc > 4 && spec.name.find(argv[4]) == std::string::npos) {
+    for (const ApplicationDescription& description : descriptions) {
+        if (argc > 4 && description.name.find(argv[4]) == std::string::npos) {
             continue;
         }
-        const std::string version = versionOf(spec.package);
-        for (const Observation& seen : observe(argv[1], spec, argc > 5 ? argv[5] : "")) {
-            print(spec, version, seen);
+        const std::string version = versionOf(description.package);
+        for (const Observation& seen : observe(argv[1], description, argc > 5 ? argv[5] : "")) {
+            print(description, version, seen);
             isRight = isRight && seen.problems.empty();
         }
     }

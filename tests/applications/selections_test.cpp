@@ -9,13 +9,13 @@
 
 namespace kelvora::applications {
 
-void PrintTo(const ApplicationSpec& spec, std::ostream* stream) {
-    *stream << spec.name;
+void PrintTo(const ApplicationDescription& description, std::ostream* stream) {
+    *stream << description.name;
 }
 
 namespace {
 
-class Selections : public testing::TestWithParam<ApplicationSpec> {};
+class Selections : public testing::TestWithParam<ApplicationDescription> {};
 
 TEST_P(Selections, AreConverted) {
     for (const Observation& seen : observe(KELVORA_PROGRAM, GetParam())) {

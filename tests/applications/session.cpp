@@ -76,14 +76,14 @@ std::string pathIn(const std::string& log) {
 
 } // namespace
 
-Session::Session(const std::filesystem::path& program, const ApplicationSpec& spec)
-    : spec_(spec), initialState_(desktop_.keyboardState()),
+Session::Session(const std::filesystem::path& program, const ApplicationDescription& description)
+    : description_(description), initialState_(desktop_.keyboardState()),
       program_(desktop_, program, Program::Start::waitUntilListening,
                loggingEnvironment(desktop_)) {
     desktop_.keyboard().setSource(KeySource::physical);
-    if (!spec.companion.empty()) {
+    if (!description.companion.empty()) {
         companion_ = std::make_unique<ChildProcess>(
-            spec.companion, ChildProcess::Options{.environment = desktop_.environment()});
+            description.companion, ChildProcess::Options{.environment = desktop_.environment()});
         // Some open a window when they start, which must not come in the middle. A manager that
         // collects is through with that.
         const ForeignClipboard copy(desktop_.environment().at("DISPLAY"),
@@ -95,7 +95,7 @@ Session::Session(const std::filesystem::path& program, const ApplicationSpec& sp
 bool Session::prepare(Field field) {
     if (!application_ || application_->field() != field) {
         application_.reset();
-        application_ = std::make_unique<Application>(desktop_, spec_, field);
+        application_ = std::make_unique<Application>(desktop_, description_, field);
     }
     return application_->isReady();
 }
@@ -130,7 +130,7 @@ public:
         }
         if (scenario_.before.size() < longText) {
             seen.undo = undo();
-        } else if (session_.spec_.reading == Reading::title) {
+        } else if (session_.description_.reading == Reading::title) {
             // A browser may be busy for a long time after such a text.
             session_.application_.reset();
         }
@@ -150,7 +150,7 @@ private:
         for (const char* const chord : scenario_.keys) {
             desktop_.keyboard().chord(chord);
         }
-        const bool isReported = session_.spec_.selectionReport == SelectionReport::always;
+        const bool isReported = session_.description_.selectionReport == SelectionReport::always;
         // A long text keeps an application busy; a person sees when it is through with it.
         if (scenario_.selected.empty() || (!isReported && scenario_.selected.size() < longText)) {
             return true;
@@ -222,9 +222,9 @@ private:
             return;
         }
         const std::string& special =
-            session_.spec_.awareness == Awareness::unaware    ? scenario_.afterUnaware
-            : session_.spec_.awareness == Awareness::readable ? scenario_.afterReadable
-                                                              : scenario_.after;
+            session_.description_.awareness == Awareness::unaware    ? scenario_.afterUnaware
+            : session_.description_.awareness == Awareness::readable ? scenario_.afterReadable
+                                                                     : scenario_.after;
         const std::string& expected = special.empty() ? scenario_.after : special;
         const bool isRight =
             application_.comesToShow(expected, std::chrono::seconds(2)) ||
@@ -294,7 +294,7 @@ private:
 
 Observation Session::run(const Scenario& scenario, Field field) {
     Observation seen;
-    seen.application = spec_.name;
+    seen.application = description_.name;
     seen.field = nameOf(field);
     seen.scenario = scenario.name;
     if (!prepare(field)) {
@@ -307,7 +307,7 @@ Observation Session::run(const Scenario& scenario, Field field) {
 
 Observation Session::endCompanion() {
     Observation seen;
-    seen.application = spec_.name;
+    seen.application = description_.name;
     seen.scenario = "what it has kept";
     companion_->sendSignal(SIGTERM);
     static_cast<void>(companion_->waitForExit(std::chrono::seconds(5)));
@@ -327,11 +327,12 @@ Observation Session::endCompanion() {
     return seen;
 }
 
-std::vector<Observation> observe(const std::filesystem::path& program, const ApplicationSpec& spec,
+std::vector<Observation> observe(const std::filesystem::path& program,
+                                 const ApplicationDescription& description,
                                  const std::string& part) {
-    Session session(program, spec);
+    Session session(program, description);
     std::vector<Observation> observations;
-    for (const Field field : spec.fields) {
+    for (const Field field : description.fields) {
         for (const Scenario& scenario : scenarios()) {
             if (std::find(scenario.fields.begin(), scenario.fields.end(), field) !=
                     scenario.fields.end() &&
@@ -340,7 +341,7 @@ std::vector<Observation> observe(const std::filesystem::path& program, const App
             }
         }
     }
-    if (!spec.companion.empty()) {
+    if (!description.companion.empty()) {
         observations.push_back(session.endCompanion());
     }
     return observations;

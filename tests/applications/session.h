@@ -31,7 +31,7 @@ struct Observation {
 /// A desktop with the program and one application in it, which scenarios are tried on.
 class Session {
 public:
-    Session(const std::filesystem::path& program, const ApplicationSpec& spec);
+    Session(const std::filesystem::path& program, const ApplicationDescription& description);
 
     [[nodiscard]] Observation run(const Scenario& scenario, Field field);
     /// What the program that runs beside has kept of it all, once it has ended.
@@ -43,7 +43,7 @@ private:
     [[nodiscard]] bool prepare(Field field);
 
     real::RealDesktop desktop_;
-    const ApplicationSpec& spec_;
+    const ApplicationDescription& description_;
     std::unique_ptr<Application> application_;
     real::KeyboardState initialState_;
     real::Program program_;
@@ -53,7 +53,7 @@ private:
 /// Every scenario, or those with `part` in their name, for every field of the application that it
 /// is meant for.
 [[nodiscard]] std::vector<Observation> observe(const std::filesystem::path& program,
-                                               const ApplicationSpec& spec,
+                                               const ApplicationDescription& description,
                                                const std::string& part = {});
 
 } // namespace kelvora::applications

@@ -30,7 +30,7 @@ bool isTrue(const BusValue& value) {
 } // namespace
 
 std::filesystem::path AtspiOptIn::defaultStateDirectory() {
-    // A relative one is to be ignored (XDG Base Directory Specification).
+    // A relative one is to be ignored (XDG base directories).
     if (const char* const state = std::getenv("XDG_STATE_HOME"); state && *state == '/')
         return std::filesystem::path(state) / "kelvora";
     if (const char* const home = std::getenv("HOME"); home && *home == '/')

@@ -219,8 +219,9 @@ constexpr auto noSelectAllNames = std::to_array<std::string_view>({
 });
 static_assert(std::ranges::is_sorted(noSelectAllNames));
 
-/// Of such programs, in the Desktop Menu Specification. Also of those whose text is a document,
-/// which must not be rewritten as a whole where accessibility does not tell that it is one.
+/// Of such programs, as freedesktop.org names them for menus. Also of those whose text is a
+/// document, which must not be rewritten as a whole where accessibility does not tell that it is
+/// one.
 constexpr auto noSelectAllCategories = std::to_array<std::string_view>({
     "AudioVideoEditing",
     "FileManager",

@@ -15,11 +15,11 @@ namespace kelvora {
 /// The argument by which the program knows that the session opened it at login.
 inline constexpr std::string_view loginLaunchArgument = "--login-launch";
 
-/// The value of an Exec key that runs `program` (an absolute path, UTF-8) at login, quoted as the
-/// Desktop Entry Specification has it; not yet escaped as a value of the file.
+/// The value of an Exec key that runs `program` (an absolute path, UTF-8) at login, quoted as
+/// desktop entries have it; not yet escaped as a value of the file.
 [[nodiscard]] std::string autostartCommand(std::string_view program);
 
-/// One desktop entry of an autostart directory (Desktop Application Autostart Specification).
+/// One desktop entry of an autostart directory (freedesktop.org).
 class AutostartEntry {
 public:
     /// Without any key.

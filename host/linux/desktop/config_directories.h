@@ -7,7 +7,7 @@
 
 namespace kelvora {
 
-// Of the XDG Base Directory Specification, with its defaults. Read the environment.
+// The XDG base directories, with their defaults. Read the environment.
 
 /// $XDG_CONFIG_HOME, else .config of the home directory; absent when the user has none.
 [[nodiscard]] std::optional<std::filesystem::path> configHome();

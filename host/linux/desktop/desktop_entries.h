@@ -19,7 +19,7 @@ struct ApplicationTraits {
     bool isDesktopWindow = false;   ///< the desktop's own window, with the icons
 };
 
-/// An installed application (Desktop Entry Specification). UTF-8.
+/// An installed application, by its desktop entry. UTF-8.
 struct DesktopEntry {
     std::string id; ///< desktop file ID without ".desktop"
     std::string startupWmClass;
@@ -38,7 +38,7 @@ struct DesktopEntryMatch {
 [[nodiscard]] std::string_view fileName(std::string_view path);
 
 /// $XDG_DATA_HOME/applications and those of $XDG_DATA_DIRS, the most important first, with the
-/// defaults of the XDG Base Directory Specification. Reads the environment.
+/// defaults of the XDG base directories. Reads the environment.
 [[nodiscard]] std::vector<std::filesystem::path> standardApplicationDirectories();
 
 /// The desktop entries of some directories. One thread at a time.

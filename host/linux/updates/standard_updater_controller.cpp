@@ -23,8 +23,7 @@ constexpr UpdateTransfer::Limits feedLimits{.bytes = maximumFeedSize, .silence =
 constexpr std::chrono::seconds packageSilence = 60s;
 constexpr std::chrono::seconds packageWhole = 2h;
 
-/// A base directory of the session. Relative ones are to be ignored (XDG Base Directory
-/// Specification).
+/// A base directory of the session. Relative ones are to be ignored, as XDG has it.
 QString baseDirectory(const char* variable, const char* otherwise) {
     const QString named = qEnvironmentVariable(variable);
     return QDir::isAbsolutePath(named) ? named : QDir::homePath() + "/" + otherwise;

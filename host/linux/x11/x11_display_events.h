@@ -5,6 +5,7 @@
 #include "host/linux/event_loop.h"
 #include "host/linux/x11/x11_connection.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>
