@@ -51,6 +51,9 @@ bool asksForGtk() {
 std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
     const EnvironmentChange platform("QT_QPA_PLATFORM", "xcb");
     const EnvironmentChange inputMethod("QT_IM_MODULE", "none");
+    // A screen reader may be started long after the program, and Qt 6.4 looks for one only once,
+    // some time after the start.
+    qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
     std::optional<EnvironmentChange> desktop;
     std::optional<EnvironmentChange> theme;
     if (asksForGtk()) {

@@ -81,6 +81,28 @@ TEST_P(Focus, MovesAwayInTheMiddleOfACorrection) {
     expectEnd("привет", "ru");
 }
 
+TEST_P(Focus, AClickInTheMiddleOfACorrectionWaitsForItsEnd) {
+    // Empty lines, so that a click into the window moves an editor's caret.
+    for (int line = 0; line < 40; ++line) {
+        keyboard().tap(key::enter);
+    }
+    const bool isTerminal = dynamic_cast<Terminal*>(&application()) != nullptr;
+    const std::string above(isTerminal ? 0 : 40, '\n');
+    const std::string word = "ghbdtnghbdtnghbdtn";
+    keyboard().type(word);
+    ASSERT_TRUE(application().showsText(above + word));
+    keyboard().doubleShift();
+    ASSERT_TRUE(waitUntil([&] { return application().text().size() < above.size() + 16; }));
+    const WindowFrame frame = windowFrame(desktop().display(), application().window());
+    clickAt(desktop().display(), frame.x + frame.width / 2, frame.y + frame.height / 2);
+    expectEnd(above + "приветприветпривет", "ru");
+    if (!isTerminal) { // it has come, only later
+        keyboard().type("z");
+        EXPECT_TRUE(
+            waitUntil([&] { return application().text().find("я\n") != std::string::npos; }));
+    }
+}
+
 TEST_P(Focus, KeysThatAnotherProgramHasGrabbedAreNobodysText) {
     std::optional<ForeignKeyboardGrab> grab(std::in_place, desktop());
     keyboard().type("ghbdtn");

@@ -26,6 +26,11 @@ T.MenuBar {
         }
     }
 
+    Shortcut {
+        sequence: "F10"
+        onActivated: menuBar.itemAt(0).triggered()
+    }
+
     contentItem: Row {
         Repeater {
             model: menuBar.contentModel
@@ -71,6 +76,14 @@ T.MenuBar {
             padding: 5
             margins: 4
             focus: true
+            // Qt 6.4 goes on opening menus under the pointer after Escape, if the pointer is on the
+            // menu's title; not if that is disabled at this moment.
+            onAboutToHide: {
+                if (parent.hovered) {
+                    parent.enabled = false
+                    Qt.callLater(() => parent.enabled = true)
+                }
+            }
 
             contentItem: ListView {
                 implicitHeight: contentHeight

@@ -53,6 +53,8 @@ X11KeyboardHold::X11KeyboardHold(X11EventPoster& poster, FocusTarget target)
     if (!marked_.synchronize())
         return;
     grabKeyboards();
+    if (!grabbed_.empty())
+        mouse_.emplace(grabbing_, static_cast<xcb_window_t>(target.id));
     undoStickyKeys();
     releaseWhatIsDown();
     poster_.hold_ = this;
@@ -79,6 +81,7 @@ X11KeyboardHold::~X11KeyboardHold() {
     } else {
         ungrabKeyboards();
     }
+    mouse_.reset();
     marked_.setCarrier(0);
     unmarked_.setCarrier(0);
     marked_.flush();
@@ -199,7 +202,8 @@ bool X11KeyboardHold::hasHeldKeys() {
         return false;
     readHeldEvents();
     return std::ranges::any_of(events_, [&](const HeldEvent& event) {
-        return event.isPress && !isModifier(unmarked_.keys(), event.keycode);
+        return (event.kind == HeldKind::press || event.kind == HeldKind::repeat) &&
+               !isModifier(unmarked_.keys(), event.keycode);
     });
 }
 
@@ -227,21 +231,30 @@ void X11KeyboardHold::readHeldEvents() {
     const auto* xinput = xcb_get_extension_data(grabbing_, &xcb_input_id);
     awaitServer(grabbing_);
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(grabbing_)}) {
+        if ((event->response_type & 0x7F) == XCB_BUTTON_PRESS)
+            events_.push_back({HeldKind::click, 0});
         const auto* key = reinterpret_cast<const xcb_input_key_press_event_t*>(event.get());
         if ((event->response_type & 0x7F) != XCB_GE_GENERIC ||
             key->extension != xinput->major_opcode ||
             (key->event_type != XCB_INPUT_KEY_PRESS && key->event_type != XCB_INPUT_KEY_RELEASE) ||
             key->detail > 255)
             continue;
-        events_.push_back({.keycode = static_cast<std::uint8_t>(key->detail),
-                           .isPress = key->event_type == XCB_INPUT_KEY_PRESS,
-                           .isRepeat = (key->flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0});
+        const bool isRepeat = (key->flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0;
+        const HeldKind kind = key->event_type == XCB_INPUT_KEY_RELEASE ? HeldKind::release
+                              : isRepeat                               ? HeldKind::repeat
+                                                                       : HeldKind::press;
+        events_.push_back({kind, static_cast<std::uint8_t>(key->detail)});
     }
 }
 
 void X11KeyboardHold::replayHeldEvents() {
     for (const HeldEvent& event : std::exchange(events_, {})) {
-        if (!event.isPress) {
+        if (event.kind == HeldKind::click) {
+            unmarked_.synchronize(); // behind the keys that were pressed before it
+            mouse_->replay();
+            continue;
+        }
+        if (event.kind == HeldKind::release) {
             down_.reset(event.keycode);
             std::erase_if(poster_.lent_,
                           [&](const auto& lent) { return lent.keycode == event.keycode; });
@@ -249,7 +262,7 @@ void X11KeyboardHold::replayHeldEvents() {
             continue;
         }
         if (isModifier(unmarked_.keys(), event.keycode)) {
-            if (!event.isRepeat) {
+            if (event.kind == HeldKind::press) {
                 unmarked_.pressKey(event.keycode);
                 down_.set(event.keycode);
             }

@@ -4,6 +4,7 @@
 #include "host/keyboard_hold.h"
 #include "host/linux/x11/x11_event_poster.h"
 #include "host/linux/x11/x11_focus_guard.h"
+#include "host/linux/x11/x11_mouse_hold.h"
 
 #include <functional>
 #include <optional>
@@ -15,7 +16,7 @@ namespace kelvora {
 /// the time: their keys come to us alone, while what is posted through another slave, the carrier,
 /// goes on to the applications. The user's keyboards are held and the XTEST keyboard carries; when
 /// the user's keys themselves come through XTEST (another program types), it is the other way
-/// round.
+/// round. Clicks wait as well: in the middle they would lead the rest of the correction elsewhere.
 class X11KeyboardHold : public KeyboardHold {
 public:
     X11KeyboardHold(X11EventPoster& poster, FocusTarget target);
@@ -46,10 +47,10 @@ private:
     void lendToCarrier();
     void returnToUserKeyboard();
 
+    enum class HeldKind { press, repeat, release, click };
     struct HeldEvent {
-        std::uint8_t keycode;
-        bool isPress;
-        bool isRepeat;
+        HeldKind kind;
+        std::uint8_t keycode; ///< 0 for a click
     };
 
     X11EventPoster& poster_;
@@ -58,6 +59,7 @@ private:
     xcb_connection_t* grabbing_;
     std::optional<X11FocusGuard> focus_;
     std::vector<std::uint16_t> grabbed_;
+    std::optional<X11MouseHold> mouse_;
     /// The device that the user typed on, as a carrier; absent when unknown.
     std::optional<std::uint16_t> userKeyboard_;
     std::vector<HeldEvent> events_;

@@ -5,6 +5,8 @@
 
 #include <xkbcommon/xkbregistry.h>
 
+#include <libintl.h>
+
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -41,6 +43,13 @@ bool isPlainName(std::string_view name) {
 /// Well-formed UTF-8, whatever the bytes.
 std::string sanitized(const char* text) {
     return text != nullptr ? toUtf8(toUtf16(text)) : std::string();
+}
+
+/// In the language of the process's locale, by xkeyboard-config's own translations.
+std::string localized(const std::string& description) {
+    constexpr const char* domain = "xkeyboard-config";
+    bind_textdomain_codeset(domain, "UTF-8");
+    return description.empty() ? description : sanitized(dgettext(domain, description.c_str()));
 }
 
 bool describes(const RulesNames& rules, std::size_t groupCount) {
@@ -128,11 +137,11 @@ std::vector<LayoutName> layoutNames(const RulesNames& rules, xkb_keymap* keymap,
         LayoutName name;
         if (byRules) {
             name.id = layoutId(rules.layouts[group]);
-            name.name =
-                registry.description(*name.id).value_or(groupName.empty() ? *name.id : groupName);
+            name.name = localized(
+                registry.description(*name.id).value_or(groupName.empty() ? *name.id : groupName));
         } else if (!groupName.empty()) {
             name.id = registry.idOf(groupName).value_or(groupName);
-            name.name = std::move(groupName);
+            name.name = localized(groupName);
         }
         names.push_back(std::move(name));
     }

@@ -34,7 +34,7 @@ struct RulesNames {
 
 struct LayoutName {
     std::optional<std::string> id; ///< absent for a group that has no name at all
-    std::string name;              ///< for display, UTF-8
+    std::string name;              ///< for display, in the user's language, UTF-8
 
     friend bool operator==(const LayoutName&, const LayoutName&) = default;
 };
