@@ -42,6 +42,7 @@ TEST_P(TypedOn, KeysFollowTheCorrection) {
         Case{"letters of the same word", "vbh", "приветмир"},
         Case{"the next word", " vbh", "привет мир"},
         Case{"a capital letter", " Vbh? lf", "привет Мир, да"},
+        Case{"Shift again and again", "VbVbVbVbVbVbVb", "приветМиМиМиМиМиМиМи"},
         Case{"a slip and its correction", " vvv\b\bbh", "привет мир"},
     };
     for (const KeySource source : {KeySource::physical, KeySource::synthetic}) {

@@ -262,13 +262,16 @@ bool Typist::finishLine() {
     desktop_.keyboard().tap(real::key::enter);
     lastBreak_ = std::chrono::steady_clock::now();
     place.above += expected + '\n';
+    if (!check()) {
+        return false;
+    }
     if (++place.linesSinceFresh == linesPerDocument) {
         place.linesSinceFresh = 0;
         place.above.clear();
         layout_ = Layout::us;
         return editor_.beginFreshLine() || fail("the cleared document");
     }
-    return check();
+    return true;
 }
 
 void Typist::clickBesideText() {

@@ -120,10 +120,11 @@ void X11EventTap::onDeviceEvent(const X11DeviceEvent& event) {
     const bool isOurs = isFake && fake->client == marks_.markedClient.load();
     if (event.isKey) {
         const bool isReplayed = isFake && fake->client == marks_.replayingClient.load();
-        if (!isOurs && !isReplayed && event.isPress)
+        const bool isByUser = !isOurs && !isReplayed;
+        if (isByUser && event.isPress)
             marks_.userTypesThroughXTest = isFake && fake->isCoreDevice;
         deliverKey(event, isOurs);
-        if (!isOurs && !event.isPress && marks_.onUserKeyRelease)
+        if (isByUser && !event.isPress && marks_.onUserKeyRelease)
             marks_.onUserKeyRelease(event.detail);
     } else if (!focus_.isKeyboardTaken()) {
         deliverButton(event);

@@ -69,14 +69,15 @@ X11KeyboardHold::~X11KeyboardHold() {
         pressHeldModifiers();
         readHeldEvents();
         replayHeldEvents();
-        lendToCarrier();
         noteForeignKeymap();
         if (hasForeignKeymap_)
             copyCoreKeymap(poster_.display_.c_str(), grabbed_);
+        poster_.hasLent_ = true; // what the user lets go of from here on waits for the lending
         ungrabKeyboards();
         // What came between the last look and the end of the grab.
         readHeldEvents();
         replayHeldEvents();
+        lendToCarrier();
         returnToUserKeyboard();
     } else {
         ungrabKeyboards();

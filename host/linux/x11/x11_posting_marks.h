@@ -45,7 +45,8 @@ public:
         return changed_.wait_for(lock, limit, [&] { return passed_ == fence; });
     }
 
-    /// Called on the main thread for every key release that was not ours. Set it before listening.
+    /// Called on the main thread for every key that the user lets go of, not for those of either
+    /// client. Set it before listening.
     std::function<void(std::uint8_t keycode)> onUserKeyRelease;
 
 private:
