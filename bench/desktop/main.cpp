@@ -7,6 +7,7 @@
 #include "bench/desktop/process_figures.h"
 #include "bench/desktop/selection_latency.h"
 #include "bench/desktop/statistics.h"
+#include "bench/desktop/window_figures.h"
 #include "tests/support/real_desktop/editor.h"
 #include "tests/support/real_desktop/program.h"
 #include "tests/support/real_desktop/terminal.h"
@@ -19,7 +20,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -75,27 +75,59 @@ bool measureLatency(RealDesktop& desktop, TextApplication& application, int runs
     return true;
 }
 
+/// A program of the toolkit that does nothing, to compare with.
+class BareToolkit {
+public:
+    explicit BareToolkit(RealDesktop& desktop)
+        : output_(desktop.newFile("bare")), process_({KELVORA_BARE_TOOLKIT}, options(desktop)) {
+        static_cast<void>(waitUntil([this] { return fileContent(output_) == "ready\n"; },
+                                    defaultDeadline, std::chrono::microseconds(500)));
+    }
+
+    [[nodiscard]] pid_t pid() const { return process_.pid(); }
+
+private:
+    [[nodiscard]] ChildProcess::Options options(const RealDesktop& desktop) const {
+        return {.environment = desktop.environment(), .outputFile = output_};
+    }
+
+    std::filesystem::path output_;
+    ChildProcess process_;
+};
+
 void measureStart(RealDesktop& desktop, const std::filesystem::path& executable) {
     std::vector<double> seconds;
+    std::vector<double> bareSeconds;
     for (int run = 0; run < 10; ++run) {
         const Clock::time_point start = Clock::now();
         const Program program(desktop, executable);
         seconds.push_back(secondsSince(start));
+        const Clock::time_point bareStart = Clock::now();
+        const BareToolkit bare(desktop);
+        bareSeconds.push_back(secondsSince(bareStart));
     }
-    std::printf("start to listening: %.0f ms median, %.0f ms p90\n", quantile(seconds, 0.5) * 1e3,
-                quantile(seconds, 0.9) * 1e3);
+    const double median = quantile(seconds, 0.5);
+    std::printf("start to listening: %.0f ms median, %.0f ms p90; %.2f x a program of the toolkit "
+                "that does nothing\n",
+                median * 1e3, quantile(seconds, 0.9) * 1e3, median / quantile(bareSeconds, 0.5));
 }
 
-void measureIdle(Program& program, int seconds) {
+void measureIdle(RealDesktop& desktop, Program& program, int seconds) {
+    const BareToolkit bare(desktop);
     const pid_t process = program.process().pid();
     const auto before = readProcessFigures(process);
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     const auto after = readProcessFigures(process);
     std::printf("idle for %d s: %ld wake-ups, %.2f s of processor time\n", seconds,
                 after.wakeUps - before.wakeUps, after.processorSeconds - before.processorSeconds);
-    std::printf("resident memory: %.1f MB, of it private %.1f MB\n",
-                static_cast<double>(after.residentKibibytes) / 1024,
-                static_cast<double>(after.privateResidentKibibytes) / 1024);
+    const auto toolkit = readProcessFigures(bare.pid());
+    const auto megabytes = [](long kibibytes) { return static_cast<double>(kibibytes) / 1024; };
+    std::printf("resident memory: %.1f MB, of it private %.1f MB; %.2f x and %.2f x a program of "
+                "the toolkit that does nothing\n",
+                megabytes(after.residentKibibytes), megabytes(after.privateResidentKibibytes),
+                megabytes(after.residentKibibytes) / megabytes(toolkit.residentKibibytes),
+                megabytes(after.privateResidentKibibytes) /
+                    megabytes(toolkit.privateResidentKibibytes));
 }
 
 } // namespace
@@ -113,8 +145,12 @@ int main(int argc, char** argv) {
     RealDesktop desktop;
     desktop.keyboard().setSource(KeySource::physical);
     measureStart(desktop, executable);
-    std::optional<Program> program(std::in_place, desktop, executable);
-    measureIdle(*program, idleSeconds);
+    if (!measurePreferences(desktop, executable, 10)) {
+        std::fprintf(stderr, "the preferences do not open\n");
+        return 1;
+    }
+    Program program(desktop, executable);
+    measureIdle(desktop, program, idleSeconds);
 
     std::printf("second Shift release to repaired text, as a ratio to the fixed pauses:\n");
     Terminal terminal(desktop);
