@@ -18,6 +18,7 @@ Item {
         id: page
 
         anchors.fill: parent
+        focus: true // the keys that scroll work from the start
 
         SettingsSection {
             width: parent.width
