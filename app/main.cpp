@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/command_line.h"
 #include "app/shell/app_delegate.h"
 #include "app/ui/qt_user_interface.h"
 #include "app/ui/toolkit.h"
@@ -33,6 +34,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -76,6 +78,14 @@ bool isWaylandSession() {
            (environment("XDG_SESSION_TYPE").empty() && !environment("WAYLAND_DISPLAY").empty());
 }
 
+/// Beside the program's other data; empty when the program does not know where it is.
+std::string updateConfiguration(const std::filesystem::path& program) {
+    if (program.empty())
+        return {};
+    const auto directory = program.parent_path() / KELVORA_DATA_DIRECTORY;
+    return (directory / "updates.json").lexically_normal().string();
+}
+
 bool isLoginLaunch(int argc, char** argv) {
     return std::any_of(argv + 1, argv + argc,
                        [](const char* argument) { return argument == loginLaunchArgument; });
@@ -85,6 +95,8 @@ bool isLoginLaunch(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     forbidDumps();
+    if (const auto exitCode = answerCommandLine(std::span(argv, argv + argc)))
+        return *exitCode;
     const int signalFile = terminationSignals();
     std::setlocale(LC_CTYPE, "");
     const std::filesystem::path program = programFile();
@@ -161,9 +173,9 @@ int main(int argc, char** argv) {
             .displayEvents = services->displayEvents(),
             .accessibilityStatus = accessibilityStatus,
             .makeUpdater =
-                [&log](UserDriverDelegate& owner) {
+                [&log, &program](UserDriverDelegate& owner) {
                     return std::make_unique<StandardUpdaterController>(
-                        sessionUpdaterSetup(KELVORA_UPDATE_CONFIGURATION, KELVORA_VERSION), owner,
+                        sessionUpdaterSetup(updateConfiguration(program), KELVORA_VERSION), owner,
                         log);
                 },
             .launchedInBackground = isLoginLaunch(argc, argv),

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/ui/kelvora_links.h"
 
-#include <QFile>
-#include <QString>
+#include "app/ui/program_files.h"
 
 namespace kelvora {
 
 const QUrl& KelvoraLinks::howTo() {
-    static const QUrl address = [] {
-        const QString installed = QStringLiteral(KELVORA_HOW_TO_INSTALLED);
-        return QUrl::fromLocalFile(
-            QFile::exists(installed) ? installed : QStringLiteral(KELVORA_HOW_TO_IN_SOURCES));
-    }();
+    static const QUrl address = QUrl::fromLocalFile(programsOwnFile(
+        QStringLiteral("how-to/index.html"), QStringLiteral(KELVORA_DOCUMENT_DIRECTORY)));
     return address;
 }
 

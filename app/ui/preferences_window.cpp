@@ -3,9 +3,8 @@
 
 #include "app/ui/preferences_model.h"
 #include "app/ui/preferences_module.h"
+#include "app/ui/program_files.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QPluginLoader>
 
 #include <utility>
@@ -13,12 +12,9 @@
 namespace kelvora {
 namespace {
 
-/// Beside the program in a build, in the library directory when installed.
 QString moduleFile() {
-    const QDir program(QCoreApplication::applicationDirPath());
-    const QString name = QStringLiteral("kelvora-preferences.so");
-    const QString inBuild = program.filePath(name);
-    return QFile::exists(inBuild) ? inBuild : program.filePath(KELVORA_MODULE_DIRECTORY "/" + name);
+    return programsOwnFile(QStringLiteral("kelvora-preferences.so"),
+                           QStringLiteral(KELVORA_MODULE_DIRECTORY));
 }
 
 } // namespace

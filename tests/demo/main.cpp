@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Shows the program at work: a desktop of its own, a real terminal and a real editor, keys pressed
-// from outside the program, and the text of each read back from the application.
+// from outside the program, and the text of each read back from the application; then its window.
 //
 //     kelvora-demo PROGRAM DIRECTORY
 //
-// leaves screenshots in the directory, and fails when a text is not repaired.
+// leaves screenshots in the directory, and fails when something is not as it should be.
 #include "tests/support/real_desktop/editor.h"
 #include "tests/support/real_desktop/program.h"
 #include "tests/support/real_desktop/terminal.h"
+#include "tests/support/real_desktop/wait_until.h"
+#include "tests/support/real_desktop/windows.h"
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 namespace {
@@ -41,6 +44,54 @@ bool repair(RealDesktop& desktop, TextApplication& application, const std::strin
     return report(desktop, application, "after:", expected, "ru");
 }
 
+/// A session's tools in which pages are not opened: the address of one that is there is left in
+/// `openedFile` instead.
+Environment withoutBrowser(RealDesktop& desktop, const std::filesystem::path& openedFile) {
+    const std::filesystem::path tools = desktop.newFile("tools");
+    std::filesystem::create_directories(tools);
+    const std::filesystem::path opener = tools / "xdg-open";
+    std::ofstream(opener) << "#!/bin/sh\n[ -f \"${1#file://}\" ] && echo \"$1\" >"
+                          << openedFile.string() << "\n";
+    std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
+    Environment environment = desktop.environment();
+    environment["PATH"] = tools.string() + ":" + environment["PATH"];
+    return environment;
+}
+
+/// Moves to the control that is `tabs` further, and presses it.
+void pressControl(RealDesktop& desktop, int tabs) {
+    for (int i = 0; i < tabs; ++i) {
+        desktop.keyboard().tapNamed("Tab");
+    }
+    desktop.keyboard().tap(key::space);
+}
+
+/// What a user finds who starts the program: the preferences, the start at login, the guide.
+bool showPreferences(RealDesktop& desktop, const std::filesystem::path& executable,
+                     const std::filesystem::path& folder) {
+    const std::filesystem::path openedFile = desktop.newFile("opened");
+    const std::filesystem::path loginEntry =
+        desktop.environment().at("XDG_CONFIG_HOME") + "/autostart/kelvora.desktop";
+    Program program(desktop, executable, Program::Start::byUser,
+                    withoutBrowser(desktop, openedFile));
+    const auto isShown = [&] {
+        const auto window = windowOfProcess(desktop.display(), program.process().pid());
+        return window && activeWindow(desktop.display()) == *window;
+    };
+    const bool hasWindow = waitUntil(isShown);
+    pressControl(desktop, 3);
+    const bool startsAtLogin =
+        waitUntil([&] { return fileContent(loginEntry).find("\nTryExec=/") != std::string::npos; });
+    pressControl(desktop, 2);
+    const bool opensGuide = waitUntil([&] { return fileContent(openedFile).ends_with("\n"); });
+    const bool isSaved = desktop.saveScreenshot(folder / "preferences.png");
+    std::printf("\n  preferences are%s shown; the guide: %s\n  at login:\n%s\n",
+                hasWindow ? "" : " NOT",
+                opensGuide ? fileContent(openedFile).c_str() : "NOT FOUND\n",
+                startsAtLogin ? fileContent(loginEntry).c_str() : "NOT STARTED\n");
+    return hasWindow && startsAtLogin && opensGuide && isSaved;
+}
+
 int demonstrate(const std::filesystem::path& executable, const std::filesystem::path& folder) {
     RealDesktop desktop("us,ru");
     static_cast<void>(runTool(desktop, {"xsetroot", "-solid", "#56708a"}));
@@ -67,8 +118,10 @@ int demonstrate(const std::filesystem::path& executable, const std::filesystem::
     isRight = report(desktop, editor, "goes on:", "Привет, как дела?", "ru") && isRight;
     isRight = desktop.saveScreenshot(folder / "after.png") && isRight;
 
-    std::printf("\n%s\nscreenshots: %s\n",
-                isRight ? "Both texts are repaired." : "NOT as it should be; see WRONG above.",
+    isRight = showPreferences(desktop, executable, folder) && isRight;
+
+    std::printf("%s\nscreenshots: %s\n",
+                isRight ? "Both texts are repaired." : "NOT as it should be; see above.",
                 folder.c_str());
     if (!isRight) {
         std::printf("\nthe program's log:\n%s\n", program.log().c_str());

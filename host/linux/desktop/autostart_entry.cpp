@@ -129,8 +129,8 @@ void AutostartEntry::setProgram(const std::string& program) {
     GKeyFile* const keys = keys_.get();
     g_key_file_set_string(keys, group, G_KEY_FILE_DESKTOP_KEY_EXEC,
                           autostartCommand(program).c_str());
-    if (!canBeTried(keys))
-        g_key_file_remove_key(keys, group, G_KEY_FILE_DESKTOP_KEY_TRY_EXEC, nullptr);
+    // The entry outlives the program when that is uninstalled: sessions are then to pass it over.
+    g_key_file_set_string(keys, group, G_KEY_FILE_DESKTOP_KEY_TRY_EXEC, program.c_str());
 }
 
 void AutostartEntry::enable(const std::string& currentDesktops) {

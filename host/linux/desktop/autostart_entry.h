@@ -32,7 +32,7 @@ public:
     /// Was it written by this program, but runs another file than `program`?
     [[nodiscard]] bool isOursForAnother(const std::string& program) const;
 
-    /// Runs `program` from now on. Everything else stays.
+    /// Runs `program` from now on, as long as it is there. Everything else stays.
     void setProgram(const std::string& program);
     /// Makes isRun() true; what the user added and what does not stand against it stays.
     void enable(const std::string& currentDesktops);

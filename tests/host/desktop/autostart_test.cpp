@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* program = "/opt/kelvora/bin/kelvora";
+constexpr const char* program = "/bin/true"; // one that is there
 constexpr const char* userEntry = "home/autostart/kelvora.desktop";
 constexpr const char* systemEntry = "etc/autostart/kelvora.desktop";
 
@@ -81,7 +81,7 @@ TEST_F(AutostartTest, FollowsTheEntryInEffect) {
             EXPECT_EQ(autostart.setEnabled(wanted), std::nullopt) << c.name;
             EXPECT_EQ(autostart.isEnabled(), wanted) << c.name;
         }
-        EXPECT_EQ(value("Exec"), "/opt/kelvora/bin/kelvora --login-launch") << c.name;
+        EXPECT_EQ(value("Exec"), "/bin/true --login-launch") << c.name;
         EXPECT_EQ(directory_->read(systemEntry), c.system) << c.name;
     }
 }
@@ -123,16 +123,28 @@ TEST_F(AutostartTest, KeepsWhatTheUserAdded) {
     EXPECT_EQ(value("OnlyShowIn"), "GNOME;");
 }
 
+TEST_F(AutostartTest, IsNotEnabledForAProgramThatIsGone) {
+    const std::string gone = (directory_->path / "uninstalled").string();
+    Autostart autostart = this->autostart(gone.c_str());
+    EXPECT_EQ(autostart.setEnabled(true), std::nullopt);
+    EXPECT_FALSE(autostart.isEnabled());
+    EXPECT_EQ(value("TryExec"), gone);
+    // Installed again elsewhere.
+    Autostart another = this->autostart();
+    another.repair();
+    EXPECT_TRUE(another.isEnabled());
+    EXPECT_EQ(value("TryExec"), program);
+}
+
 TEST_F(AutostartTest, FollowsTheProgramWhenItMoves) {
     const struct {
         std::string_view exec;
         std::string_view afterwards;
     } cases[] = {
-        {"/old/kelvora --login-launch", "/opt/kelvora/bin/kelvora --login-launch"},
-        {"\"/old place/kelvora\" --login-launch", "/opt/kelvora/bin/kelvora --login-launch"},
-        {"/opt/kelvora/bin/kelvora --login-launch", "/opt/kelvora/bin/kelvora --login-launch"},
-        {"nice /opt/kelvora/bin/kelvora --login-launch",
-         "nice /opt/kelvora/bin/kelvora --login-launch"},
+        {"/old/kelvora --login-launch", "/bin/true --login-launch"},
+        {"\"/old place/kelvora\" --login-launch", "/bin/true --login-launch"},
+        {"/bin/true --login-launch", "/bin/true --login-launch"},
+        {"nice /bin/true --login-launch", "nice /bin/true --login-launch"},
         {"/home/me/my-wrapper", "/home/me/my-wrapper"}, // not written by this program
     };
     for (const auto& c : cases) {
