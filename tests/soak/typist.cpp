@@ -56,7 +56,7 @@ bool Typist::typeWord() {
         // Nothing is known to have been typed: the editor's text is looked at, if no key changes it
         // before the keyboard is held.
         convert();
-        std::this_thread::sleep_for(milliseconds(60));
+        std::this_thread::sleep_for(milliseconds(120));
     }
     if (oneIn(10) && !changeLayout()) {
         return false;
