@@ -27,12 +27,13 @@ bool consistsOf(std::string_view text, std::string_view alphabet) {
 
 std::optional<std::chrono::sys_seconds> timeOf(const QJsonObject& object, const char* name) {
     const std::optional<std::string> text = textOf(object, name);
-    // Exactly 2030-01-31T12:00:00Z: a time without its zone would mean another moment elsewhere.
-    if (!text || text->size() != 20 || text->back() != 'Z') {
+    if (!text) {
         return std::nullopt;
     }
     const QDateTime time = QDateTime::fromString(QString::fromStdString(*text), Qt::ISODate);
-    if (!time.isValid()) {
+    // Exactly 2030-01-31T12:00:00Z: a time without its zone would mean another moment elsewhere,
+    // and Qt reads much else that only looks like this, fractions of minutes and hour 24 included.
+    if (time.timeSpec() != Qt::UTC || time.toString(Qt::ISODate).toStdString() != *text) {
         return std::nullopt;
     }
     return std::chrono::sys_seconds(std::chrono::seconds(time.toSecsSinceEpoch()));

@@ -127,6 +127,18 @@ std::string_view keyNameOf(xkb_keymap* keymap, xkb_keycode_t keycode) {
     return name != nullptr ? std::string_view(name) : std::string_view();
 }
 
+/// The start of the text, of at most `units`; a pair of surrogates stays or goes as a whole.
+std::u16string_view cutOff(std::u16string_view text, std::size_t units) {
+    std::size_t end = 0;
+    while (end < text.size()) {
+        const std::size_t next = end + decodeScalar(text, end).length;
+        if (next > units)
+            break;
+        end = next;
+    }
+    return text.substr(0, end);
+}
+
 /// What the key does when nothing is held.
 xkb_keysym_t baseKeysym(xkb_keymap* keymap, xkb_keycode_t keycode, std::uint32_t group) {
     const xkb_keysym_t* keysyms = nullptr;
@@ -276,7 +288,7 @@ EventText KeyInterpreter::textOf(const RawKey& key, xkb_keysym_t keysym) {
         return EventText();
     const std::u16string text =
         toUtf16(std::string_view(utf8.data(), static_cast<std::size_t>(length)));
-    return EventText(std::u16string_view(text).substr(0, tapTextLength));
+    return EventText(cutOff(text, tapTextLength));
 }
 
 } // namespace kelvora

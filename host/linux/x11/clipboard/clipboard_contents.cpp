@@ -3,8 +3,10 @@
 
 #include "core/text/encoding.h"
 #include "host/linux/x11/clipboard/clipboard_client.h"
+#include "host/linux/x11/clipboard/clipboard_formats.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace kelvora {
@@ -16,21 +18,6 @@ constexpr std::string_view managerHint = "x-kde-passwordManagerHint";
 /// Of this program alone.
 constexpr std::string_view markerType = "application/x-kelvora-marker";
 
-struct PropertyKind {
-    std::uint8_t format;
-    std::string_view type;
-};
-
-PropertyKind propertyKind(const PasteboardData& data) {
-    const std::string_view encoding = data.encoding;
-    for (const std::uint8_t format : {std::uint8_t{8}, std::uint8_t{16}, std::uint8_t{32}}) {
-        const std::string prefix = propertyEncoding(format, {});
-        if (encoding.starts_with(prefix) && data.bytes->size() % (format / 8) == 0)
-            return {format, encoding.substr(prefix.size())};
-    }
-    return {8, data.type};
-}
-
 std::shared_ptr<const std::vector<std::byte>> toBytes(std::string_view text) {
     const auto bytes = std::as_bytes(std::span(text));
     return std::make_shared<const std::vector<std::byte>>(bytes.begin(), bytes.end());
@@ -41,15 +28,6 @@ PasteboardData hint() {
 }
 
 } // namespace
-
-bool isText(std::string_view target) {
-    return target == "UTF8_STRING" || target == "STRING" || target == "TEXT" ||
-           target == "COMPOUND_TEXT" || target.starts_with("text/plain");
-}
-
-std::string propertyEncoding(std::uint8_t format, std::string_view type) {
-    return std::to_string(format).append(" ").append(type);
-}
 
 ClipboardContents contentsOf(xcb_connection_t* connection, std::vector<PasteboardData> data) {
     std::vector<std::string_view> names;
@@ -93,18 +71,6 @@ std::vector<PasteboardData> secretText(std::u16string_view text) {
     }
     data.push_back(hint());
     return data;
-}
-
-std::u16string textOf(std::span<const std::byte> bytes, bool isLatin1) {
-    if (!bytes.empty() && bytes.back() == std::byte{0})
-        bytes = bytes.first(bytes.size() - 1);
-    if (!isLatin1)
-        return toUtf16({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    std::u16string text;
-    text.reserve(bytes.size());
-    for (const std::byte byte : bytes)
-        text.push_back(std::to_integer<unsigned char>(byte));
-    return text;
 }
 
 std::optional<std::u16string> textOf(const ClipboardContents& contents) {

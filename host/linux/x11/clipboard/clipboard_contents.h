@@ -9,19 +9,11 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kelvora {
-
-/// Targets that give plain text, the preferred first.
-inline constexpr std::string_view textTargets[] = {"UTF8_STRING", "text/plain;charset=utf-8",
-                                                   "STRING"};
-
-/// Whether a target of that name gives plain text.
-[[nodiscard]] bool isText(std::string_view target);
 
 /// What is given out for one target, as a property of that type and format.
 struct ClipboardTarget {
@@ -43,9 +35,6 @@ struct ClipboardContents {
     std::optional<std::u16string> marker;
 };
 
-/// A property's type and format as a PasteboardData keeps them.
-[[nodiscard]] std::string propertyEncoding(std::uint8_t format, std::string_view type);
-
 /// Contents that are exactly `data`; what the server has no names for is left out.
 [[nodiscard]] ClipboardContents contentsOf(xcb_connection_t* connection,
                                            std::vector<PasteboardData> data);
@@ -56,10 +45,6 @@ struct ClipboardContents {
 
 /// A text as what programs exchange texts in, with the mark that keeps it out of histories.
 [[nodiscard]] std::vector<PasteboardData> secretText(std::u16string_view text);
-
-/// The text of a property of format 8: Latin-1 when its type is STRING, else UTF-8. Without the NUL
-/// that some owners send along.
-[[nodiscard]] std::u16string textOf(std::span<const std::byte> bytes, bool isLatin1);
 
 /// The text among `contents`, or their marker; absent when there is neither.
 [[nodiscard]] std::optional<std::u16string> textOf(const ClipboardContents& contents);

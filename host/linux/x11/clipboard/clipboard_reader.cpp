@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/clipboard/clipboard_reader.h"
 
-#include "host/linux/x11/clipboard/clipboard_contents.h"
+#include "host/linux/x11/clipboard/clipboard_formats.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <utility>
 
 namespace kelvora {
@@ -13,17 +11,6 @@ namespace {
 
 constexpr std::size_t maximumTargets = 512;
 constexpr std::size_t maximumAbandoned = 4;
-
-bool isNeverAskedFor(std::string_view target) {
-    static constexpr auto names = std::to_array<std::string_view>(
-        {// They say something about the selection, or do something to it.
-         "TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS", "DELETE", "INSERT_SELECTION",
-         "INSERT_PROPERTY",
-         // Names of things in the server or in the owner, which may be gone when they are used.
-         "DRAWABLE", "PIXMAP", "BITMAP", "COLORMAP", "FOREGROUND", "BACKGROUND", "WINDOW",
-         "CLIENT_WINDOW", "CURSOR", "FONT", "GTK_TEXT_BUFFER_CONTENTS"});
-    return target.empty() || std::ranges::find(names, target) != names.end();
-}
 
 } // namespace
 
@@ -173,14 +160,7 @@ std::optional<std::vector<xcb_atom_t>> ClipboardReader::targets(xcb_timestamp_t 
         return textAtoms_; // an owner from before there were lists
     if (transfer.state() != IncomingTransfer::State::complete || transfer.format() != 32)
         return std::nullopt;
-    std::vector<xcb_atom_t> targets(transfer.bytes().size() / sizeof(xcb_atom_t));
-    if (!targets.empty())
-        std::memcpy(targets.data(), transfer.bytes().data(), targets.size() * sizeof(xcb_atom_t));
-    std::vector<xcb_atom_t> unique;
-    for (const xcb_atom_t target : targets)
-        if (std::ranges::find(unique, target) == unique.end())
-            unique.push_back(target);
-    return unique;
+    return atomsIn(transfer.bytes());
 }
 
 IncomingTransfer ClipboardReader::ask(xcb_atom_t target, xcb_timestamp_t time,

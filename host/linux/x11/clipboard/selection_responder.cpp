@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/clipboard/selection_responder.h"
 
+#include "host/linux/x11/clipboard/clipboard_formats.h"
+
 #include <algorithm>
 
 namespace kelvora {
