@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/loop/qt_event_loop.h"
 
+#include <QCoreApplication>
 #include <QSocketNotifier>
 
 #include <utility>
@@ -26,6 +27,11 @@ private:
 };
 
 } // namespace
+
+QtEventLoop::~QtEventLoop() {
+    // The loop itself does not run again for what was left to it.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 
 std::unique_ptr<DescriptorWatch> QtEventLoop::watchReadable(int descriptor,
                                                             std::function<void()> onReadable) {

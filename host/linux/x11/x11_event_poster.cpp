@@ -5,7 +5,6 @@
 #include "host/linux/x11/x11_text_typist.h"
 #include "host/linux/xkb/key_positions.h"
 
-#include <xcb/xinput.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <chrono>
@@ -65,22 +64,14 @@ std::unique_ptr<X11EventPoster> X11EventPoster::create(const std::string& displa
     auto unmarked = X11KeyboardControl::create(display.c_str());
     if (!marked || !unmarked)
         return nullptr;
-    XcbConnectionPtr grabbing = connectX11(display.c_str());
-    if (grabbing) {
-        const XcbPtr<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
-            grabbing.get(), xcb_input_xi_query_version(grabbing.get(), 2, 2), nullptr));
-        if (!version || version->major_version < 2)
-            grabbing.reset();
-    }
-    return std::unique_ptr<X11EventPoster>(new X11EventPoster(
-        display, std::move(marked), std::move(unmarked), std::move(grabbing), marks));
+    return std::unique_ptr<X11EventPoster>(
+        new X11EventPoster(display, std::move(marked), std::move(unmarked), marks));
 }
 
 X11EventPoster::X11EventPoster(std::string display, std::unique_ptr<X11KeyboardControl> marked,
-                               std::unique_ptr<X11KeyboardControl> unmarked,
-                               XcbConnectionPtr grabbing, X11PostingMarks& marks)
+                               std::unique_ptr<X11KeyboardControl> unmarked, X11PostingMarks& marks)
     : display_(std::move(display)), marked_(std::move(marked)), unmarked_(std::move(unmarked)),
-      grabbing_(std::move(grabbing)), marks_(marks) {
+      marks_(marks) {
     marks_.markedClient = marked_->clientBase();
     marks_.replayingClient = unmarked_->clientBase();
     marks_.onUserKeyRelease = [this](std::uint8_t keycode) { onUserKeyRelease(keycode); };
@@ -233,9 +224,6 @@ void X11EventPoster::processEvents() {
         return;
     marked_->processEvents();
     unmarked_->processEvents();
-    if (grabbing_)
-        while (XcbPtr<xcb_generic_event_t>(xcb_poll_for_event(grabbing_.get())))
-            continue;
 }
 
 void X11EventPoster::releaseLent(const LentKey& key) {

@@ -53,8 +53,7 @@ private:
     };
 
     X11EventPoster(std::string display, std::unique_ptr<X11KeyboardControl> marked,
-                   std::unique_ptr<X11KeyboardControl> unmarked, XcbConnectionPtr grabbing,
-                   X11PostingMarks& marks);
+                   std::unique_ptr<X11KeyboardControl> unmarked, X11PostingMarks& marks);
 
     void releaseForgottenKeys();
     void postKeyDown(X11KeyboardControl& control, const InputEvent& event);
@@ -69,7 +68,6 @@ private:
     std::mutex mutex_;
     std::unique_ptr<X11KeyboardControl> marked_;
     std::unique_ptr<X11KeyboardControl> unmarked_;
-    XcbConnectionPtr grabbing_; ///< for the hold's device grabs; null without XInput 2
     X11PostingMarks& marks_;
     X11KeyboardHold* hold_ = nullptr;
     std::optional<KeyDown> keyDown_;

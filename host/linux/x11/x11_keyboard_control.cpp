@@ -61,7 +61,8 @@ std::uint32_t X11KeyboardControl::clientBase() const {
 
 void X11KeyboardControl::processEvents() {
     while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
-        keymap_->handleEvent(event.get());
+        if (!keymap_->handleEvent(event.get()) && onOtherEvent_)
+            onOtherEvent_(*event);
 }
 
 bool X11KeyboardControl::synchronize() {

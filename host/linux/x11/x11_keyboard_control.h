@@ -9,8 +9,10 @@
 
 #include <bitset>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace kelvora {
@@ -39,6 +41,10 @@ public:
     bool synchronize();
     /// Takes up what has arrived, without a question.
     void processEvents();
+    /// Called from both for every event that is not about the keymap; null for nobody.
+    void setOnOtherEvent(std::function<void(const xcb_generic_event_t&)> onOtherEvent) {
+        onOtherEvent_ = std::move(onOtherEvent);
+    }
     /// As of the last synchronize().
     [[nodiscard]] const X11KeyboardState& state() const { return keymap_->state(); }
     /// Changes with every change of the keymap, as of the last synchronize() or keys().
@@ -85,6 +91,7 @@ private:
     XcbConnectionPtr connection_;
     X11GrabProbe grabProbe_{connection_.get()};
     std::unique_ptr<X11Keymap> keymap_;
+    std::function<void(const xcb_generic_event_t&)> onOtherEvent_;
     std::optional<CharacterKeys> keys_;
     std::uint64_t keysVersion_ = 0;
     xcb_window_t root_ = XCB_NONE;

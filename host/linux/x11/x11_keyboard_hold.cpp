@@ -27,12 +27,6 @@ bool isModifier(const CharacterKeys& keys, std::uint8_t keycode) {
     });
 }
 
-/// Waits until the server has done everything that was asked before.
-void awaitServer(xcb_connection_t* connection) {
-    const XcbPtr<xcb_get_input_focus_reply_t> answer(
-        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-}
-
 /// A NoOperation with a number in the byte that the protocol leaves unused.
 void sendFence(xcb_connection_t* connection, std::uint8_t number) {
     xcb_no_operation_request_t request{.major_opcode = 0, .pad0 = number, .length = 0};
@@ -46,15 +40,15 @@ void sendFence(xcb_connection_t* connection, std::uint8_t number) {
 } // namespace
 
 X11KeyboardHold::X11KeyboardHold(X11EventPoster& poster, FocusTarget target)
-    : poster_(poster), marked_(*poster.marked_), unmarked_(*poster.unmarked_),
-      grabbing_(poster.grabbing_.get()) {
+    : poster_(poster), marked_(*poster.marked_), unmarked_(*poster.unmarked_) {
     const std::lock_guard lock(poster_.mutex_);
+    unmarked_.setOnOtherEvent([this](const xcb_generic_event_t& event) { addHeldEvent(event); });
     focus_.emplace(marked_, target);
     if (!marked_.synchronize())
         return;
     grabKeyboards();
     if (!grabbed_.empty())
-        mouse_.emplace(grabbing_, static_cast<xcb_window_t>(target.id));
+        mouse_.emplace(unmarked_.connection(), static_cast<xcb_window_t>(target.id));
     undoStickyKeys();
     releaseWhatIsDown();
     poster_.hold_ = this;
@@ -67,22 +61,26 @@ X11KeyboardHold::~X11KeyboardHold() {
     focus_.reset();
     if (!grabbed_.empty() && unmarked_.synchronize()) {
         pressHeldModifiers();
-        readHeldEvents();
         replayHeldEvents();
         noteForeignKeymap();
         if (hasForeignKeymap_)
             copyCoreKeymap(poster_.display_.c_str(), grabbed_);
         poster_.hasLent_ = true; // what the user lets go of from here on waits for the lending
-        ungrabKeyboards();
-        // What came between the last look and the end of the grab.
-        readHeldEvents();
+        // Between the last look and the end of the grabs only a keyboard itself can press a key, in
+        // the time of one answer; another program's keys wait.
+        unmarked_.grabServer();
         replayHeldEvents();
+        ungrabKeyboards();
+        unmarked_.ungrabServer();
+        replayHeldEvents();
+        unmarked_.synchronize(); // before the keyboard is changed over the other connection
         lendToCarrier();
         returnToUserKeyboard();
     } else {
         ungrabKeyboards();
     }
     mouse_.reset();
+    unmarked_.setOnOtherEvent(nullptr);
     marked_.setCarrier(0);
     unmarked_.setCarrier(0);
     marked_.flush();
@@ -90,8 +88,6 @@ X11KeyboardHold::~X11KeyboardHold() {
 }
 
 void X11KeyboardHold::grabKeyboards() {
-    if (grabbing_ == nullptr)
-        return;
     const std::vector<X11SlaveKeyboard> keyboards = marked_.slaveKeyboards();
     std::uint16_t carrier = 0;
     if (poster_.marks_.userTypesThroughXTest) {
@@ -105,7 +101,6 @@ void X11KeyboardHold::grabKeyboards() {
         const bool carries = carrier != 0 ? keyboard.id == carrier : keyboard.isXTest;
         if (!carries && !grab(keyboard.id)) {
             ungrabKeyboards();
-            readHeldEvents();
             replayHeldEvents();
             return;
         }
@@ -132,10 +127,11 @@ void X11KeyboardHold::returnToUserKeyboard() {
 
 bool X11KeyboardHold::grab(std::uint16_t deviceId) {
     const KeyMask mask;
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(grabbing_)).data->root;
+    xcb_connection_t* const connection = unmarked_.connection();
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     const XcbPtr<xcb_input_xi_grab_device_reply_t> reply(xcb_input_xi_grab_device_reply(
-        grabbing_,
-        xcb_input_xi_grab_device(grabbing_, root, XCB_CURRENT_TIME, XCB_NONE, deviceId,
+        connection,
+        xcb_input_xi_grab_device(connection, root, XCB_CURRENT_TIME, XCB_NONE, deviceId,
                                  XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC, 0, 1,
                                  &mask.mask),
         nullptr));
@@ -147,9 +143,9 @@ bool X11KeyboardHold::grab(std::uint16_t deviceId) {
 
 void X11KeyboardHold::ungrabKeyboards() {
     for (const std::uint16_t device : grabbed_)
-        xcb_input_xi_ungrab_device(grabbing_, XCB_CURRENT_TIME, device);
+        xcb_input_xi_ungrab_device(unmarked_.connection(), XCB_CURRENT_TIME, device);
     if (!grabbed_.empty())
-        awaitServer(grabbing_);
+        unmarked_.synchronize();
     grabbed_.clear();
 }
 
@@ -201,7 +197,7 @@ bool X11KeyboardHold::hasHeldKeys() {
     const std::lock_guard lock(poster_.mutex_);
     if (grabbed_.empty())
         return false;
-    readHeldEvents();
+    unmarked_.synchronize();
     return std::ranges::any_of(events_, [&](const HeldEvent& event) {
         return (event.kind == HeldKind::press || event.kind == HeldKind::repeat) &&
                !isModifier(unmarked_.keys(), event.keycode);
@@ -228,27 +224,24 @@ void X11KeyboardHold::acceptKeymap() {
     keymapVersion_ = marked_.keymapVersion();
 }
 
-void X11KeyboardHold::readHeldEvents() {
-    const auto* xinput = xcb_get_extension_data(grabbing_, &xcb_input_id);
-    awaitServer(grabbing_);
-    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(grabbing_)}) {
-        if ((event->response_type & 0x7F) == XCB_BUTTON_PRESS)
-            events_.push_back({HeldKind::click, 0});
-        const auto* key = reinterpret_cast<const xcb_input_key_press_event_t*>(event.get());
-        if ((event->response_type & 0x7F) != XCB_GE_GENERIC ||
-            key->extension != xinput->major_opcode ||
-            (key->event_type != XCB_INPUT_KEY_PRESS && key->event_type != XCB_INPUT_KEY_RELEASE) ||
-            key->detail > 255)
-            continue;
-        const bool isRepeat = (key->flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0;
-        const HeldKind kind = key->event_type == XCB_INPUT_KEY_RELEASE ? HeldKind::release
-                              : isRepeat                               ? HeldKind::repeat
-                                                                       : HeldKind::press;
-        events_.push_back({kind, static_cast<std::uint8_t>(key->detail)});
-    }
+void X11KeyboardHold::addHeldEvent(const xcb_generic_event_t& event) {
+    const auto* xinput = xcb_get_extension_data(unmarked_.connection(), &xcb_input_id);
+    if ((event.response_type & 0x7F) == XCB_BUTTON_PRESS)
+        events_.push_back({HeldKind::click, 0});
+    const auto& key = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
+    if ((event.response_type & 0x7F) != XCB_GE_GENERIC || key.extension != xinput->major_opcode ||
+        (key.event_type != XCB_INPUT_KEY_PRESS && key.event_type != XCB_INPUT_KEY_RELEASE) ||
+        key.detail > 255)
+        return;
+    const bool isRepeat = (key.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0;
+    const HeldKind kind = key.event_type == XCB_INPUT_KEY_RELEASE ? HeldKind::release
+                          : isRepeat                              ? HeldKind::repeat
+                                                                  : HeldKind::press;
+    events_.push_back({kind, static_cast<std::uint8_t>(key.detail)});
 }
 
 void X11KeyboardHold::replayHeldEvents() {
+    unmarked_.synchronize();
     for (const HeldEvent& event : std::exchange(events_, {})) {
         if (event.kind == HeldKind::click) {
             unmarked_.synchronize(); // behind the keys that were pressed before it
@@ -273,7 +266,7 @@ void X11KeyboardHold::replayHeldEvents() {
         unmarked_.pressKey(event.keycode);
         unmarked_.releaseKey(event.keycode);
     }
-    unmarked_.synchronize();
+    unmarked_.flush();
 }
 
 void X11KeyboardHold::pressHeldModifiers() {

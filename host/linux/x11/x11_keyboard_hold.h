@@ -41,7 +41,8 @@ private:
     void ungrabKeyboards();
     void releaseWhatIsDown();
     void undoStickyKeys();
-    void readHeldEvents();
+    void addHeldEvent(const xcb_generic_event_t& event);
+    /// Delivers everything that was held until now.
     void replayHeldEvents();
     void pressHeldModifiers();
     void lendToCarrier();
@@ -55,8 +56,8 @@ private:
 
     X11EventPoster& poster_;
     X11KeyboardControl& marked_;
+    /// Holds as well: with the server to itself it can look, replay and end the grabs in one go.
     X11KeyboardControl& unmarked_;
-    xcb_connection_t* grabbing_;
     std::optional<X11FocusGuard> focus_;
     std::vector<std::uint16_t> grabbed_;
     std::optional<X11MouseHold> mouse_;
