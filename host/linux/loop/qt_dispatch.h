@@ -4,7 +4,10 @@
 #include "host/dispatch.h"
 #include "host/linux/loop/worker_thread.h"
 
+#include <deque>
+#include <functional>
 #include <memory>
+#include <mutex>
 
 namespace kelvora {
 
@@ -20,6 +23,13 @@ public:
     void postToWorker(std::function<void()> work) override;
 
 private:
+    class Receiver;
+
+    void runNext();
+
+    std::mutex mutex_;
+    std::deque<std::function<void()>> forMain_;
+    std::unique_ptr<Receiver> receiver_;
     std::unique_ptr<WorkerThread> worker_;
 };
 
