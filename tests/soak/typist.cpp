@@ -221,6 +221,8 @@ bool Typist::changeLayout() {
     if (!check()) { // a conversion that still runs would switch the layout later
         return false;
     }
+    // The program reads back what it has chosen; no hand is at the layouts before that.
+    std::this_thread::sleep_for(milliseconds(100));
     layout_ = other(layout_);
     real::lockLayout(desktop_.display(), static_cast<unsigned>(layout_));
     return true;
