@@ -66,14 +66,19 @@ std::uint32_t numberOr(std::uint32_t standard, std::span<char* const> arguments,
     return number;
 }
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long mostGrowth = 1 << 20; // KB; a sanitizer keeps what is freed, or notes every access
+#else
+constexpr long mostGrowth = 1024; // KB; what the allocator may keep for itself
+#endif
+
 } // namespace
 
 int main(int argumentCount, char** argumentValues) {
     const std::span<char* const> arguments(argumentValues, static_cast<std::size_t>(argumentCount));
     const auto words = static_cast<int>(numberOr(2000, arguments, 1));
     const std::uint32_t seed = numberOr(1, arguments, 2);
-    constexpr int warmUp = 40;        // words until everything that is kept is there
-    constexpr long mostGrowth = 1024; // KB; what the allocator may keep for itself
+    constexpr int warmUp = 40; // words until everything that is kept is there
 
     real::RealDesktop desktop;
     real::Program program(desktop, KELVORA_PROGRAM);
