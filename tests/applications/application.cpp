@@ -18,14 +18,6 @@ using namespace kelvora::real;
 
 namespace {
 
-Environment environmentFor(const RealDesktop& desktop, const ApplicationDescription& description) {
-    Environment environment = desktop.environment();
-    for (const auto& [name, value] : description.environment) {
-        environment[name] = value;
-    }
-    return environment;
-}
-
 const std::string& displayOf(const RealDesktop& desktop) {
     return desktop.environment().at("DISPLAY");
 }
@@ -46,43 +38,41 @@ Application::Application(RealDesktop& desktop, const ApplicationDescription& des
     : desktop_(desktop), description_(description), field_(field),
       folder_(desktop.newFile("folder")) {
     const std::vector<WindowId> earlier = topWindows(desktop.display());
+    Environment environment = description.environment;
+    environment.insert(desktop.environment().begin(), desktop.environment().end());
     child_ = std::make_unique<ChildProcess>(
-        command(), ChildProcess::Options{.environment = environmentFor(desktop, description),
-                                         .outputFile = desktop.newFile("application-output")});
+        command(),
+        ChildProcess::Options{std::move(environment), desktop.newFile("application-output")});
     const auto findWindow = [&] {
-        for (const WindowId window : topWindows(desktop_.display())) {
-            if (std::find(earlier.begin(), earlier.end(), window) == earlier.end()) {
+        for (const WindowId window : topWindows(desktop_.display()))
+            if (std::ranges::find(earlier, window) == earlier.end())
                 window_ = window;
-            }
-        }
         return window_ != 0;
     };
     // Some show another window first.
-    isReady_ =
-        waitUntil([&] { return findWindow() && activate() && isReadyForKeys(); }, slowestStart);
-    if (isReady_) {
+    isReady_ = waitUntil(
+        [&] {
+            return findWindow() && activateWindow(desktop.display(), window_) && isReadyForKeys();
+        },
+        slowestStart);
+    if (isReady_)
         owner_ = processOfWindow(desktop.display(), window_);
-    }
 }
 
 Application::~Application() {
     // Some programs show their window from a process that is not of our making.
-    if (owner_ > 0 && owner_ != child_->pid()) {
+    if (owner_ > 0 && owner_ != child_->pid())
         kill(owner_, SIGTERM);
-    }
     child_.reset();
     // The next application may get the same numbers for its windows.
-    static_cast<void>(waitUntil([this] {
-        const std::vector<WindowId> windows = topWindows(desktop_.display());
-        return std::find(windows.begin(), windows.end(), window_) == windows.end();
-    }));
+    static_cast<void>(waitUntil(
+        [this] { return std::ranges::count(topWindows(desktop_.display()), window_) == 0; }));
 }
 
 std::vector<std::string> Application::command() {
     std::filesystem::create_directories(folder_);
-    if (description_.reading == Reading::folder) {
+    if (description_.reading == Reading::folder)
         std::ofstream(folder_ / "ghbdtn rfr.txt") << "ghbdtn\n";
-    }
     if (description_.reading == Reading::received) {
         // Raw: a Control-C is a byte like any other here, and shows.
         std::ofstream(folder_ / "script")
@@ -93,32 +83,24 @@ std::vector<std::string> Application::command() {
         // Some leave a lock beside it when they are killed.
         std::filesystem::copy_file(description_.document, document);
     }
-    const std::array<std::pair<std::string, std::string>, 4> placeholders{
-        {{"{field}", nameOf(field_)},
-         {"{folder}", folder_.string()},
-         {"{document}", document.string()},
-         {"{script}", (folder_ / "script").string()}}};
+    const std::map<std::string, std::string> placeholders{
+        {"{field}", nameOf(field_)},
+        {"{folder}", folder_.string()},
+        {"{document}", document.string()},
+        {"{script}", (folder_ / "script").string()}};
     std::vector<std::string> words = description_.command;
-    for (std::string& word : words) {
-        for (const auto& [placeholder, value] : placeholders) {
-            if (const std::size_t at = word.find(placeholder); at != std::string::npos) {
+    for (std::string& word : words)
+        for (const auto& [placeholder, value] : placeholders)
+            if (const std::size_t at = word.find(placeholder); at != std::string::npos)
                 word.replace(at, placeholder.size(), value);
-            }
-        }
-    }
     return words;
-}
-
-bool Application::activate() {
-    return activateWindow(desktop_.display(), window_);
 }
 
 bool Application::isReadyForKeys() {
     switch (description_.reading) {
     case Reading::title:
-        if (windowTitle(desktop_.display(), window_).starts_with("text:")) {
+        if (windowTitle(desktop_.display(), window_).starts_with("text:"))
             return true;
-        }
         desktop_.keyboard().chord("Right"); // the browser's page waits for a key
         return false;
     case Reading::accessibility:
@@ -149,14 +131,13 @@ std::string Application::text() {
         return copyAll();
     case Reading::folder: {
         std::string names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+        for (const auto& entry : std::filesystem::directory_iterator(folder_))
             names += entry.path().filename().string() + "\n";
-        }
         return names;
     }
     case Reading::received: {
         std::string received = fileContent(folder_ / "received");
-        std::replace(received.begin(), received.end(), '\x7f', '\b'); // Backspace sends either
+        std::ranges::replace(received, '\x7f', '\b'); // Backspace sends either
         return received;
     }
     }
@@ -173,35 +154,30 @@ std::string Application::copyAll() {
 
 bool Application::comesToShow(const std::string& expected, std::chrono::milliseconds deadline) {
     const std::string title = titleFor(expected);
-    return waitUntil(
-        [&] {
-            const std::string shown = text();
-            return shown == expected || shown == title;
-        },
-        deadline);
+    const auto isShown = [&](const std::string& shown) {
+        return shown == expected || shown == title;
+    };
+    return waitUntil([&] { return isShown(text()); }, deadline);
 }
 
 bool Application::setText(const std::string& utf8) {
     lockLayout(desktop_.display(), 0);
-    if (!activate()) {
+    if (!activateWindow(desktop_.display(), window_))
         return false;
-    }
     Keyboard& keyboard = desktop_.keyboard();
-    if (description_.reading == Reading::received) {
+    const auto type = [&] {
         keyboard.type(utf8);
         return comesToShow(utf8);
-    }
-    keyboard.chord("Control_L+a");
-    keyboard.chord("Delete");
-    keyboard.chord("Control_L+Home");
+    };
+    if (description_.reading == Reading::received)
+        return type();
+    for (const char* const chord : {"Control_L+a", "Delete", "Control_L+Home"})
+        keyboard.chord(chord);
     // It may still be busy with the keys that came before.
-    if (description_.reading != Reading::copying && !comesToShow("", std::chrono::seconds(30))) {
+    if (description_.reading != Reading::copying && !comesToShow("", std::chrono::seconds(30)))
         return false;
-    }
-    if (field_ == Field::password) {
-        keyboard.type(utf8);
-        return comesToShow(utf8);
-    }
+    if (field_ == Field::password)
+        return type();
     const ForeignClipboard source(
         displayOf(desktop_),
         {{"UTF8_STRING", utf8}, {"text/plain", utf8}, {"text/plain;charset=utf-8", utf8}});

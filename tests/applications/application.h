@@ -86,7 +86,6 @@ public:
 private:
     [[nodiscard]] std::vector<std::string> command();
     [[nodiscard]] bool isReadyForKeys();
-    [[nodiscard]] bool activate();
     [[nodiscard]] std::string copyAll();
 
     real::RealDesktop& desktop_;

@@ -8,53 +8,39 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
-#include <QWidget>
-#include <map>
-#include <string>
-
-namespace {
-
-void keepTitle(QWidget& field, QWidget& window) {
-    const auto show = [&window](const QString& text) {
-        window.setWindowTitle(
-            QString::fromStdString(kelvora::applications::titleFor(text.toStdString())));
-    };
-    if (auto* const line = qobject_cast<QLineEdit*>(&field)) {
-        QObject::connect(line, &QLineEdit::textChanged, &window, show);
-        show(line->text());
-    } else if (auto* const lines = qobject_cast<QPlainTextEdit*>(&field)) {
-        QObject::connect(lines, &QPlainTextEdit::textChanged, &window,
-                         [lines, show] { show(lines->toPlainText()); });
-        show(lines->toPlainText());
-    }
-}
-
-} // namespace
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QWidget window;
     window.resize(700, 500);
 
-    QLineEdit entry;
-    QPlainTextEdit text;
-    QLineEdit password;
-    QPlainTextEdit readOnly("ghbdtn rfr ltkf");
-    entry.setMaxLength(1'000'000);
-    password.setEchoMode(QLineEdit::Password);
+    auto* const entry = new QLineEdit;
+    auto* const password = new QLineEdit;
+    auto* const readOnly = new QPlainTextEdit("ghbdtn rfr ltkf");
+    auto* const text = new QPlainTextEdit;
+    entry->setMaxLength(1'000'000);
+    password->setEchoMode(QLineEdit::Password);
     // Keys move the caret and select in it, as in the other toolkits.
-    readOnly.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    readOnly->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 
-    const std::map<std::string, QWidget*> fields{
-        {"entry", &entry}, {"text", &text}, {"password", &password}, {"readonly", &readOnly}};
+    const std::string wanted = argc > 1 ? argv[1] : "entry";
     QVBoxLayout layout(&window);
-    for (const auto& [name, field] : fields) {
-        field->setAccessibleName(QString::fromStdString(name));
+    const auto add = [&](const char* name, auto* field, const auto& content) {
         layout.addWidget(field);
-    }
-    QWidget* const focused = fields.at(argc > 1 ? argv[1] : "entry");
-    keepTitle(*focused, window);
-    focused->setFocus();
+        if (name != wanted)
+            return;
+        const auto show = [field, content, &window] {
+            window.setWindowTitle(QString::fromStdString(
+                kelvora::applications::titleFor((field->*content)().toStdString())));
+        };
+        QObject::connect(field, &std::decay_t<decltype(*field)>::textChanged, &window, show);
+        show();
+        field->setFocus();
+    };
+    add("entry", entry, &QLineEdit::text);
+    add("password", password, &QLineEdit::text);
+    add("readonly", readOnly, &QPlainTextEdit::toPlainText);
+    add("text", text, &QPlainTextEdit::toPlainText);
     window.show();
     return QApplication::exec();
 }

@@ -26,9 +26,8 @@ std::string versionOf(const std::string& package) {
 /// A text as it can stand in a table.
 std::string shown(const std::string& text) {
     constexpr std::size_t longest = 80;
-    if (text.starts_with("long:") || text.size() > longest) {
+    if (text.starts_with("long:") || text.size() > longest)
         return "(long)";
-    }
     std::string result;
     for (const char character : text) {
         switch (character) {
@@ -60,9 +59,8 @@ void print(const ApplicationDescription& description, const std::string& version
                            seen.scenario,    seen.path,   shown(seen.before),  shown(seen.after),
                            seen.clipboard,   seen.layout, seen.undo,           result};
     std::string row = "|";
-    for (const std::string& cell : cells) {
+    for (const std::string& cell : cells)
         row += " " + cell + " |";
-    }
     std::puts(row.c_str());
 }
 
@@ -79,17 +77,15 @@ int main(int argc, char** argv) {
     std::vector<ApplicationDescription> descriptions;
     for (std::vector<ApplicationDescription>& some : std::array{
              fieldWindows(argv[2]), distributedApplications(std::filesystem::absolute(argv[3])),
-             clipboardManagers(argv[2]), terminals()}) {
+             clipboardManagers(argv[2]), terminals()})
         std::move(some.begin(), some.end(), std::back_inserter(descriptions));
-    }
     std::puts("| application | version | toolkit | field | case | way | before | after | clipboard "
               "| layout after | undo | result |\n"
               "|---|---|---|---|---|---|---|---|---|---|---|---|");
     bool isRight = true;
     for (const ApplicationDescription& description : descriptions) {
-        if (argc > 4 && description.name.find(argv[4]) == std::string::npos) {
+        if (argc > 4 && description.name.find(argv[4]) == std::string::npos)
             continue;
-        }
         const std::string version = versionOf(description.package);
         for (const Observation& seen : observe(argv[1], description, argc > 5 ? argv[5] : "")) {
             print(description, version, seen);

@@ -25,13 +25,13 @@ struct Scenario {
     std::vector<const char*> keys; ///< chords that select or place the caret
     std::string selected;          ///< what they must have selected; empty for nothing
     std::string after;             ///< equal to `before` when nothing is to be converted
+    Event event = Event::none;
+    std::string orElse{}; ///< another text that is right as well; none when empty
     /// What it makes of it in an application that tells nothing of its fields; as `after` when
     /// empty.
     std::string afterUnaware{};
     /// The same in one whose fields can only be read.
     std::string afterReadable{};
-    std::string orElse{}; ///< another text that is right as well; none when empty
-    Event event = Event::none;
 };
 
 [[nodiscard]] const std::vector<Scenario>& scenarios();

@@ -42,35 +42,32 @@ Environment loggingEnvironment(const RealDesktop& desktop) {
     return environment;
 }
 
-bool containsAny(const std::string& text, const auto& parts) {
-    return std::any_of(parts.begin(), parts.end(),
-                       [&](std::string_view part) { return text.find(part) != std::string::npos; });
+bool containsAny(const std::string& text, std::initializer_list<std::string_view> parts) {
+    return std::ranges::any_of(
+        parts, [&](std::string_view part) { return text.find(part) != std::string::npos; });
 }
 
 bool isOver(const std::string& log) {
-    constexpr std::array ends{"Converted text to index", "no convertible text found",
-                              "performConversion skipped", "performConversion failed"};
-    return containsAny(log, ends);
+    return containsAny(log, {"Converted text to index", "no convertible text found",
+                             "performConversion skipped", "performConversion failed"});
 }
 
 std::string pathIn(const std::string& log) {
-    constexpr std::array<std::pair<const char*, const char*>, 11> paths{
-        {{"Typed-word path success", "typed text"},
-         {"Clipboard path success", "clipboard"},
-         {"Clipboard path aborted", "clipboard, nothing to convert"},
-         {"Clipboard path: text not convertible", "clipboard, not convertible"},
-         {"AX path success", "accessibility"},
-         {"AX path: selected text is not convertible", "accessibility, not convertible"},
-         {"AX word success", "accessibility, the word"},
-         {"AX word: no convertible word", "accessibility, no word"},
-         {"Clipboard path not begun", "none, clipboard not begun"},
-         {"Terminal: nothing typed", "none in a terminal"},
-         {"performConversion() invoked", "none"}}};
-    for (const auto& [line, path] : paths) {
-        if (log.find(line) != std::string::npos) {
+    constexpr std::pair<const char*, const char*> paths[] = {
+        {"Typed-word path success", "typed text"},
+        {"Clipboard path success", "clipboard"},
+        {"Clipboard path aborted", "clipboard, nothing to convert"},
+        {"Clipboard path: text not convertible", "clipboard, not convertible"},
+        {"AX path success", "accessibility"},
+        {"AX path: selected text is not convertible", "accessibility, not convertible"},
+        {"AX word success", "accessibility, the word"},
+        {"AX word: no convertible word", "accessibility, no word"},
+        {"Clipboard path not begun", "none, clipboard not begun"},
+        {"Terminal: nothing typed", "none in a terminal"},
+        {"performConversion() invoked", "none"}};
+    for (const auto& [line, path] : paths)
+        if (log.find(line) != std::string::npos)
             return path;
-        }
-    }
     return "not triggered";
 }
 
@@ -92,14 +89,6 @@ Session::Session(const std::filesystem::path& program, const ApplicationDescript
     }
 }
 
-bool Session::prepare(Field field) {
-    if (!application_ || application_->field() != field) {
-        application_.reset();
-        application_ = std::make_unique<Application>(desktop_, description_, field);
-    }
-    return application_->isReady();
-}
-
 /// The steps of one scenario, and what is found on the way.
 class Session::Run {
 public:
@@ -108,53 +97,52 @@ public:
           desktop_(session.desktop_), display_(desktop_.environment().at("DISPLAY")) {}
 
     void perform(Observation& seen) {
-        if (!begin()) {
+        if (begin()) {
+            convert();
+            seen.before = scenario_.before;
+            seen.path = pathIn(log());
+            seen.clipboard = compareClipboard();
+            seen.after = compareText();
+            seen.layout = compareKeyboard();
+            require(!containsAny(session_.program_.log(), {"ghbdtn", "привет", "ltkf", "copied"}),
+                    "text stands in the log");
+            require(session_.program_.process().isRunning(), "the program has ended");
+            seen.undo = undo();
+            // A browser may be busy for a long time after such a text.
+            if (isLong() && session_.description_.reading == Reading::title)
+                session_.application_.reset();
+        } else {
             problems_.push_back("cannot be brought about: the field holds \"" +
                                 application_.text() + "\", selected is \"" +
                                 readSelectedText(display_, "PRIMARY").value_or("") + '"');
-            seen.problems = problems_;
-            return;
-        }
-        convert();
-        seen.before = scenario_.before;
-        seen.path = pathIn(log());
-        seen.clipboard = compareClipboard();
-        compareText(seen);
-        compareKeyboard(seen);
-        if (containsAny(session_.program_.log(),
-                        std::array{"ghbdtn", "привет", "ltkf", "copied"})) {
-            problems_.emplace_back("text stands in the log");
-        }
-        if (!session_.program_.process().isRunning()) {
-            problems_.emplace_back("the program has ended");
-        }
-        if (scenario_.before.size() < longText) {
-            seen.undo = undo();
-        } else if (session_.description_.reading == Reading::title) {
-            // A browser may be busy for a long time after such a text.
-            session_.application_.reset();
         }
         seen.problems = problems_;
     }
 
 private:
+    void require(bool condition, const std::string& problem) {
+        if (!condition)
+            problems_.push_back(problem);
+    }
+    [[nodiscard]] bool isIn(std::initializer_list<Field> fields) const {
+        return std::ranges::count(fields, field_) != 0;
+    }
+    [[nodiscard]] bool isEvent(Event event) const { return scenario_.event == event; }
+    [[nodiscard]] bool isLong() const { return scenario_.before.size() >= longText; }
+    [[nodiscard]] std::string log() const { return session_.program_.log().substr(logStart_); }
+
     bool begin() {
         lockLayout(desktop_.display(), 0);
-        constexpr std::array fixed{Field::readOnly, Field::files, Field::cell};
-        const bool isFixed =
-            std::find(fixed.begin(), fixed.end(), application_.field()) != fixed.end();
-        if (isFixed ? !application_.comesToShow(scenario_.before)
-                    : !application_.setText(scenario_.before)) {
+        if (isIn({Field::readOnly, Field::files, Field::cell})
+                ? !application_.comesToShow(scenario_.before)
+                : !application_.setText(scenario_.before))
             return false;
-        }
-        for (const char* const chord : scenario_.keys) {
+        for (const char* const chord : scenario_.keys)
             desktop_.keyboard().chord(chord);
-        }
         const bool isReported = session_.description_.selectionReport == SelectionReport::always;
         // A long text keeps an application busy; a person sees when it is through with it.
-        if (scenario_.selected.empty() || (!isReported && scenario_.selected.size() < longText)) {
+        if (scenario_.selected.empty() || (!isReported && !isLong()))
             return true;
-        }
         return waitUntil(
                    [&] { return readSelectedText(display_, "PRIMARY") == scenario_.selected; }) ||
                !isReported;
@@ -164,124 +152,95 @@ private:
         user_.emplace(display_, richContent(scenario_.event));
         contentBefore_ = readClipboard(display_);
         logStart_ = session_.program_.log().size();
-        if (scenario_.event == Event::stoppedProcess) {
+        if (isEvent(Event::stoppedProcess))
             kill(application_.process(), SIGSTOP);
-        }
         desktop_.keyboard().doubleShift();
-        if (scenario_.event == Event::exitingProcess) {
+        if (isEvent(Event::exitingProcess)) {
             static_cast<void>(waitUntil([&] { return pathIn(log()) != "not triggered"; }));
             kill(application_.process(), SIGKILL);
         }
-        if (scenario_.event == Event::copyInTheMiddle &&
-            waitUntil([&] { return user_->isReplaced() || isOver(log()); }) &&
-            user_->isReplaced()) {
+        if (isEvent(Event::copyInTheMiddle) &&
+            waitUntil([&] { return user_->isReplaced() || isOver(log()); }) && user_->isReplaced())
             other_.emplace(display_, ClipboardContent{{"UTF8_STRING", foreignCopy}});
-        }
         // A password is withheld from the program altogether, so that nothing is to be waited for.
-        if (application_.field() == Field::password) {
+        if (isIn({Field::password}))
             static_cast<void>(staysTrue([&] { return application_.text() == scenario_.before; },
                                         std::chrono::milliseconds(800)));
-        } else if (!waitUntil([&] { return isOver(log()); }, std::chrono::seconds(20))) {
-            problems_.emplace_back("the conversion does not end");
-        }
-        if (scenario_.event == Event::stoppedProcess) {
+        else
+            require(waitUntil([&] { return isOver(log()); }, std::chrono::seconds(20)),
+                    "the conversion does not end");
+        if (isEvent(Event::stoppedProcess))
             kill(application_.process(), SIGCONT);
-        }
     }
 
     std::string compareClipboard() {
         const auto isAsBefore = [&] { return readClipboard(display_) == contentBefore_; };
-        if (other_) {
-            const auto now = readSelectedText(display_);
-            if (now == foreignCopy) {
-                return "the other program's";
-            }
-        }
+        if (other_ && readSelectedText(display_) == foreignCopy)
+            return "the other program's";
         if (waitUntil(isAsBefore, std::chrono::seconds(3)) &&
-            (scenario_.event != Event::stoppedProcess ||
-             staysTrue(isAsBefore, std::chrono::seconds(1)))) {
+            (!isEvent(Event::stoppedProcess) || staysTrue(isAsBefore, std::chrono::seconds(1))))
             return "as before";
-        }
-        const auto now = readClipboard(display_);
+        ClipboardContent now = readClipboard(display_).value_or(ClipboardContent{});
         std::string difference = "the clipboard is not as before:";
-        for (const auto& [target, bytes] : contentBefore_.value_or(ClipboardContent{})) {
-            if (!now || !now->contains(target)) {
-                difference += " no " + target;
-            } else if (now->at(target) != bytes) {
-                difference += " other " + target;
-            }
-        }
+        for (const auto& [target, bytes] : contentBefore_.value_or(ClipboardContent{}))
+            if (!now.contains(target) || now[target] != bytes)
+                difference += (now.contains(target) ? " other " : " no ") + target;
         problems_.push_back(difference);
         return "changed";
     }
 
-    void compareText(Observation& seen) {
-        if (scenario_.event == Event::exitingProcess) {
+    std::string compareText() {
+        if (isEvent(Event::exitingProcess)) {
             session_.application_.reset();
-            seen.after = "(gone)";
-            return;
+            return "(gone)";
         }
-        const std::string& special =
-            session_.description_.awareness == Awareness::unaware    ? scenario_.afterUnaware
-            : session_.description_.awareness == Awareness::readable ? scenario_.afterReadable
-                                                                     : scenario_.after;
+        const Awareness awareness = session_.description_.awareness;
+        const std::string& special = awareness == Awareness::unaware    ? scenario_.afterUnaware
+                                     : awareness == Awareness::readable ? scenario_.afterReadable
+                                                                        : scenario_.after;
         const std::string& expected = special.empty() ? scenario_.after : special;
         const bool isRight =
             application_.comesToShow(expected, std::chrono::seconds(2)) ||
             (!scenario_.orElse.empty() && application_.comesToShow(scenario_.orElse));
-        seen.after = application_.text();
-        if (!isRight) {
-            problems_.push_back("the text should be \"" + expected + '"');
-        }
-        isConverted_ =
-            isRight && seen.after != scenario_.before && seen.after != titleFor(scenario_.before);
+        require(isRight, "the text should be \"" + expected + '"');
+        std::string after = application_.text();
+        isConverted_ = isRight && after != scenario_.before && after != titleFor(scenario_.before);
+        return after;
     }
 
-    void compareKeyboard(Observation& seen) {
-        if (scenario_.event == Event::exitingProcess) {
-            seen.layout = activeLayout(desktop_.display()); // how far it came is a matter of chance
-            return;
-        }
+    std::string compareKeyboard() {
+        if (isEvent(Event::exitingProcess)) // how far it came is a matter of chance
+            return activeLayout(desktop_.display());
         const std::string expected = isConverted_ ? "ru" : "us";
         static_cast<void>(waitUntil([&] { return activeLayout(desktop_.display()) == expected; },
                                     std::chrono::seconds(1)));
         const KeyboardState state = desktop_.keyboardState();
-        seen.layout = state.layout;
+        const KeyboardState& initial = session_.initialState_;
         // A paste that the application ignores looks like any other.
-        const bool ignoresPastes =
-            application_.field() == Field::readOnly || application_.field() == Field::files;
-        if (state.layout != expected && !ignoresPastes) {
-            problems_.push_back("the layout should be " + expected);
-        }
-        if (!state.pressedKeys.empty() ||
-            state.lockedModifiers != session_.initialState_.lockedModifiers) {
-            problems_.emplace_back("a key or a lock is left behind");
-        }
-        if (state.keymap != session_.initialState_.keymap) {
-            problems_.emplace_back("a key has another meaning than before");
-        }
+        require(state.layout == expected || isIn({Field::readOnly, Field::files}),
+                "the layout should be " + expected);
+        require(state.pressedKeys.empty() && state.lockedModifiers == initial.lockedModifiers,
+                "a key or a lock is left behind");
+        require(state.keymap == initial.keymap, "a key has another meaning than before");
+        return state.layout;
     }
 
     std::string undo() {
-        if (!isConverted_ || application_.field() == Field::terminal) {
+        if (!isConverted_ || isLong() || isIn({Field::terminal}))
             return "";
-        }
         lockLayout(desktop_.display(), 0);
-        constexpr int most = 3;
-        for (int count = 1; count <= most; ++count) {
+        for (const char* const count : {"1", "2", "3"}) {
             desktop_.keyboard().chord("Control_L+z");
-            if (application_.comesToShow(scenario_.before, std::chrono::milliseconds(500))) {
-                return std::to_string(count);
-            }
+            if (application_.comesToShow(scenario_.before, std::chrono::milliseconds(500)))
+                return count;
         }
         return "no";
     }
 
-    [[nodiscard]] std::string log() const { return session_.program_.log().substr(logStart_); }
-
     Session& session_;
     const Scenario& scenario_;
     Application& application_;
+    const Field field_ = application_.field();
     RealDesktop& desktop_;
     const std::string& display_;
     std::optional<ForeignClipboard> user_;
@@ -297,11 +256,14 @@ Observation Session::run(const Scenario& scenario, Field field) {
     seen.application = description_.name;
     seen.field = nameOf(field);
     seen.scenario = scenario.name;
-    if (!prepare(field)) {
-        seen.problems.emplace_back("the application does not start");
-        return seen;
+    if (!application_ || application_->field() != field) {
+        application_.reset();
+        application_ = std::make_unique<Application>(desktop_, description_, field);
     }
-    Run(*this, scenario).perform(seen);
+    if (application_->isReady())
+        Run(*this, scenario).perform(seen);
+    else
+        seen.problems.emplace_back("the application does not start");
     return seen;
 }
 
@@ -313,11 +275,9 @@ Observation Session::endCompanion() {
     static_cast<void>(companion_->waitForExit(std::chrono::seconds(5)));
     std::string kept;
     const std::filesystem::path home = desktop_.environment().at("HOME");
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(home)) {
-        if (entry.is_regular_file()) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home))
+        if (entry.is_regular_file())
             kept += fileContent(entry.path());
-        }
-    }
     const auto tell = [&](const char* text, const char* name) {
         seen.after += (kept.find(text) == std::string::npos ? "not " : "") + std::string(name);
     };
@@ -332,18 +292,13 @@ std::vector<Observation> observe(const std::filesystem::path& program,
                                  const std::string& part) {
     Session session(program, description);
     std::vector<Observation> observations;
-    for (const Field field : description.fields) {
-        for (const Scenario& scenario : scenarios()) {
-            if (std::find(scenario.fields.begin(), scenario.fields.end(), field) !=
-                    scenario.fields.end() &&
-                std::string(scenario.name).find(part) != std::string::npos) {
+    for (const Field field : description.fields)
+        for (const Scenario& scenario : scenarios())
+            if (std::ranges::count(scenario.fields, field) != 0 &&
+                std::string(scenario.name).find(part) != std::string::npos)
                 observations.push_back(session.run(scenario, field));
-            }
-        }
-    }
-    if (!description.companion.empty()) {
+    if (!description.companion.empty())
         observations.push_back(session.endCompanion());
-    }
     return observations;
 }
 

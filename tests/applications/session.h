@@ -3,7 +3,6 @@
 
 #include "tests/applications/application.h"
 #include "tests/applications/scenario.h"
-#include "tests/support/real_desktop/clipboard_content.h"
 #include "tests/support/real_desktop/program.h"
 #include "tests/support/real_desktop/real_desktop.h"
 
@@ -39,8 +38,6 @@ public:
 
 private:
     class Run;
-
-    [[nodiscard]] bool prepare(Field field);
 
     real::RealDesktop desktop_;
     const ApplicationDescription& description_;

@@ -16,9 +16,8 @@ namespace kelvora::applications {
     if (utf8.size() > longest) {
         constexpr std::uint64_t prime = 1099511628211ULL;
         std::uint64_t sum = 14695981039346656037ULL;
-        for (const char byte : utf8) {
+        for (const char byte : utf8)
             sum = (sum ^ static_cast<unsigned char>(byte)) * prime;
-        }
         return "long:" + std::to_string(utf8.size()) + ":" + std::to_string(sum);
     }
     constexpr std::string_view digits = "0123456789ABCDEF";
@@ -33,13 +32,11 @@ namespace kelvora::applications {
 /// The text that a title tells; the title itself when it tells none or only its sum.
 [[nodiscard]] inline std::string textOfTitle(const std::string& title) {
     constexpr std::string_view prefix = "text:";
-    if (!title.starts_with(prefix)) {
+    if (!title.starts_with(prefix))
         return title;
-    }
     std::string text;
-    for (std::size_t index = prefix.size(); index + 2 < title.size(); index += 3) {
+    for (std::size_t index = prefix.size(); index + 2 < title.size(); index += 3)
         text.push_back(static_cast<char>(std::stoi(title.substr(index + 1, 2), nullptr, 16)));
-    }
     return text;
 }
 

@@ -4,7 +4,7 @@
 #include "tests/support/real_desktop/windows.h"
 
 #include <X11/Xlib.h>
-
+#include <algorithm>
 #include <span>
 
 namespace kelvora::real {
@@ -12,12 +12,6 @@ namespace kelvora::real {
 namespace {
 
 constexpr int deepest = 5;
-
-bool isVisible(Display* display, Window window) {
-    XWindowAttributes attributes;
-    return XGetWindowAttributes(display, window, &attributes) != 0 &&
-           attributes.map_state == IsViewable;
-}
 
 bool hasIconIn(Display* display, pid_t program, Window parent, int depth) {
     Window root = 0;
@@ -27,13 +21,13 @@ bool hasIconIn(Display* display, pid_t program, Window parent, int depth) {
     if (depth > deepest || XQueryTree(display, parent, &root, &above, &children, &count) == 0 ||
         children == nullptr)
         return false;
-    bool found = false;
-    for (const Window child : std::span(children, count)) {
+    const bool found = std::ranges::any_of(std::span(children, count), [&](Window child) {
         if (processOfWindow(display, child) != program)
-            found = found || hasIconIn(display, program, child, depth + 1);
-        else
-            found = found || (depth > 0 && isVisible(display, child));
-    }
+            return hasIconIn(display, program, child, depth + 1);
+        XWindowAttributes attributes;
+        return depth > 0 && XGetWindowAttributes(display, child, &attributes) != 0 &&
+               attributes.map_state == IsViewable;
+    });
     XFree(children);
     return found;
 }

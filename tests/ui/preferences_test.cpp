@@ -22,6 +22,8 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
+const std::string page = "open x-apple.systempreferences:com.apple.preference.security?";
+
 /// The real window, over a desktop in memory.
 class PreferencesTest : public testing::Test {
 protected:
@@ -63,9 +65,8 @@ protected:
     void choose(const char* picker, const std::vector<Qt::Key>& keys) {
         item(picker).forceActiveFocus(Qt::TabFocusReason);
         QTest::keyClick(&window(), Qt::Key_Space);
-        for (const Qt::Key key : keys) {
+        for (const Qt::Key key : keys)
             QTest::keyClick(&window(), key);
-        }
         QTest::keyClick(&window(), Qt::Key_Return);
         settle();
     }
@@ -76,42 +77,28 @@ protected:
 };
 
 TEST_F(PreferencesTest, SettingsAreStoredAsTheUserSetsThem) {
-    const struct {
-        const char* control;
-        Calls stored;
-    } cases[] = {
-        {"isEnabled", {"store isEnabled"}},
-        {"reselectPastedText", {"store reselectPastedText"}},
-        {"launchAtLogin", {}},
-    };
+    desktop.login.refusal = "no room";
     open();
-    for (const auto& [control, stored] : cases) {
-        SCOPED_TRACE(control);
-        const bool before = value(control, "checked").toBool();
+    for (const std::string control : {"isEnabled", "reselectPastedText"}) {
         desktop.sessionCalls.clear();
-        click(control);
-        EXPECT_EQ(value(control, "checked").toBool(), !before);
-        EXPECT_EQ(desktop.sessionCalls, stored);
+        click(control.c_str());
+        EXPECT_FALSE(value(control.c_str(), "checked").toBool()) << control;
+        EXPECT_EQ(desktop.sessionCalls, Calls{"store " + control});
     }
     EXPECT_FALSE(model->isEnabled());
     EXPECT_FALSE(model->reselectPastedText());
-    EXPECT_TRUE(desktop.login.enabled);
-
     model->setIsEnabled(true);
     EXPECT_TRUE(value("isEnabled", "checked").toBool()) << "set from the menu";
-}
 
-TEST_F(PreferencesTest, RefusedLoginItemIsShownAsItIsAndExplained) {
-    desktop.login.refusal = "no room";
-    open();
     EXPECT_FALSE(isShown("statusMessage"));
     click("launchAtLogin");
-    EXPECT_FALSE(value("launchAtLogin", "checked").toBool());
+    EXPECT_FALSE(value("launchAtLogin", "checked").toBool()) << "refused, and explained";
     EXPECT_TRUE(isShown("statusMessage"));
-
+    EXPECT_EQ(model->statusMessage(), "Launch at Login could not be changed: no room");
     desktop.login.refusal.reset();
     click("launchAtLogin");
     EXPECT_TRUE(value("launchAtLogin", "checked").toBool());
+    EXPECT_TRUE(desktop.login.enabled);
     EXPECT_FALSE(isShown("statusMessage"));
 }
 
@@ -163,39 +150,33 @@ TEST_F(PreferencesTest, LayoutsAreChosenOnceThereAreTwo) {
 }
 
 TEST_F(PreferencesTest, PermissionsAreAskedForAndSeenToBeGranted) {
-    desktop.permissions.accessibility = false;
-    desktop.permissions.inputMonitoring = false;
-    open();
-    const std::string page = "open x-apple.systempreferences:com.apple.preference.security?";
-    const struct {
-        const char* row;
-        Calls calls;
-    } cases[] = {
-        {"accessibility", {"prompt accessibility", page + "Privacy_Accessibility"}},
-        {"inputMonitoring", {"prompt listening", page + "Privacy_ListenEvent"}},
-    };
-    for (const auto& [row, calls] : cases) {
-        SCOPED_TRACE(row);
-        desktop.sessionCalls.clear();
-        click((std::string(row) + "Button").c_str());
-        EXPECT_EQ(desktop.sessionCalls, calls);
-        EXPECT_EQ(value((std::string(row) + "State").c_str(), "text"), "Needed");
-        EXPECT_EQ(value((std::string(row) + "Sign").c_str(), "name"), "exclamationmark.circle");
-    }
-    desktop.permissions.accessibility = true;
-    desktop.permissions.inputMonitoring = true;
-    model->refreshPermissions();
-    settle();
-    for (const auto& [row, calls] : cases) {
-        SCOPED_TRACE(row);
-        EXPECT_FALSE(isShown((std::string(row) + "Button").c_str()));
-        EXPECT_EQ(value((std::string(row) + "State").c_str(), "text"), "Granted");
-        EXPECT_EQ(value((std::string(row) + "Sign").c_str(), "name"), "checkmark.circle.fill");
+    for (const bool isGranted : {false, true}) {
+        desktop.permissions.accessibility = desktop.permissions.inputMonitoring = isGranted;
+        if (isGranted)
+            model->refreshPermissions();
+        else
+            open();
+        settle();
+        for (const std::string row : {"accessibility", "inputMonitoring"}) {
+            SCOPED_TRACE(row);
+            const auto part = [&](const char* name) { return row + name; };
+            EXPECT_EQ(isShown(part("Button").c_str()), !isGranted);
+            EXPECT_EQ(value(part("State").c_str(), "text"), isGranted ? "Granted" : "Needed");
+            EXPECT_EQ(value(part("Sign").c_str(), "name"),
+                      isGranted ? "checkmark.circle.fill" : "exclamationmark.circle");
+        }
+        if (!isGranted) {
+            desktop.sessionCalls.clear();
+            click("accessibilityButton");
+            click("inputMonitoringButton");
+            EXPECT_EQ(desktop.sessionCalls,
+                      (Calls{"prompt accessibility", page + "Privacy_Accessibility",
+                             "prompt listening", page + "Privacy_ListenEvent"}));
+        }
     }
 }
 
 TEST_F(PreferencesTest, GuideStartsWithWhatIsMissingAndOpensWhatIsSelected) {
-    const std::string page = "open x-apple.systempreferences:com.apple.preference.security?";
     for (const bool isGranted : {false, true}) {
         SCOPED_TRACE(isGranted);
         desktop.permissions.inputMonitoring = isGranted;
@@ -215,13 +196,12 @@ TEST_F(PreferencesTest, GuideStartsWithWhatIsMissingAndOpensWhatIsSelected) {
 
 TEST_F(PreferencesTest, GuideRunsOnlyWhileItIsSeen) {
     open({540, 680});
-    QQuickItem& page = item("page");
     const auto isRunning = [this] {
         settle();
         return value("dragGuideClock", "isRunning").toBool();
     };
     EXPECT_FALSE(isRunning()) << "below what the window shows";
-    page.setProperty("contentY", 500);
+    item("page").setProperty("contentY", 500);
     EXPECT_TRUE(isRunning());
     window().hide();
     EXPECT_FALSE(isRunning());
@@ -269,11 +249,9 @@ TEST_F(PreferencesTest, EveryControlHasANameAndIsReachedByTheTabKey) {
 TEST_F(PreferencesTest, ColoursFollowTheDesktopWhileTheWindowIsOpen) {
     const auto sample = [this] {
         QStringList list;
-        for (QQuickItem* each : window().contentItem()->findChildren<QQuickItem*>()) {
-            if (const QVariant color = each->property("color"); color.isValid()) {
+        for (QQuickItem* each : window().contentItem()->findChildren<QQuickItem*>())
+            if (const QVariant color = each->property("color"); color.isValid())
                 list << color.value<QColor>().name(QColor::HexArgb);
-            }
-        }
         return list.join('\n').toStdString();
     };
     const auto colours = [&sample] {

@@ -18,7 +18,6 @@ constexpr auto registryDescription = R"(<node><interface name="org.kde.StatusNot
     <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
     <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
     </interface></node>)";
-constexpr auto menuInterface = "com.canonical.dbusmenu";
 
 void registerItem(GDBusConnection* /*connection*/, const char* /*sender*/, const char* /*path*/,
                   const char* /*interface*/, const char* /*method*/, GVariant* arguments,
@@ -35,7 +34,7 @@ GVariant* isHostRegistered(GDBusConnection* /*connection*/, const char* /*sender
     return g_variant_new_boolean(TRUE);
 }
 
-/// One item of a menu as text, from its properties (a{sv}).
+/// One item of a menu as text, from its properties.
 std::string describe(GVariant* properties) {
     const char* type = "";
     const char* label = "";
@@ -52,12 +51,12 @@ std::string describe(GVariant* properties) {
         text.insert(0, mark == 1 ? "[x] " : "[ ] ");
     GVariantIter* shortcut = nullptr;
     if (g_variant_lookup(properties, "shortcut", "aas", &shortcut) != FALSE) {
-        char** keys = nullptr;
-        if (g_variant_iter_next(shortcut, "^as", &keys) != FALSE) {
-            char* const joined = g_strjoinv("+", keys);
-            text += std::string(" ") + joined;
-            g_free(joined);
-            g_strfreev(keys);
+        const char separators[] = {' ', '+'};
+        GVariantIter* keys = nullptr;
+        while (g_variant_iter_loop(shortcut, "as", &keys) != FALSE) {
+            const char* key = nullptr;
+            for (int index = 0; g_variant_iter_next(keys, "&s", &key) != FALSE; index = 1)
+                text += separators[index] + std::string(key);
         }
         g_variant_iter_free(shortcut);
     }
@@ -65,6 +64,10 @@ std::string describe(GVariant* properties) {
 }
 
 } // namespace
+
+void StatusNotifierPanel::Unref::operator()(GVariant* variant) const {
+    g_variant_unref(variant);
+}
 
 StatusNotifierPanel::StatusNotifierPanel(const std::string& busAddress)
     : connection_(g_dbus_connection_new_for_address_sync(
@@ -92,21 +95,26 @@ StatusNotifierPanel::~StatusNotifierPanel() {
     g_object_unref(connection_);
 }
 
-GVariant* StatusNotifierPanel::call(const char* path, const char* interface, const char* method,
-                                    GVariant* arguments) {
-    GVariant* const reply =
-        g_dbus_connection_call_sync(connection_, item_.c_str(), path, interface, method, arguments,
-                                    nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-    return reply != nullptr ? reply : g_variant_ref_sink(g_variant_new("()"));
+StatusNotifierPanel::Variant StatusNotifierPanel::call(const char* path, const char* interface,
+                                                       const char* method, GVariant* arguments) {
+    return Variant(g_dbus_connection_call_sync(connection_, item_.c_str(), path, interface, method,
+                                               arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
+                                               nullptr, nullptr));
 }
 
-GVariant* StatusNotifierPanel::property(const char* name) {
-    GVariant* const reply = call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
-                                 g_variant_new("(ss)", "org.kde.StatusNotifierItem", name));
+StatusNotifierPanel::Variant StatusNotifierPanel::property(const char* name) {
+    const Variant reply = call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
+                               g_variant_new("(ss)", "org.kde.StatusNotifierItem", name));
     GVariant* value = nullptr;
-    g_variant_get(reply, "(v)", &value);
-    g_variant_unref(reply);
-    return value;
+    g_variant_get(reply.get(), "(v)", &value);
+    return Variant(value);
+}
+
+StatusNotifierPanel::Variant StatusNotifierPanel::callMenu(const char* method,
+                                                           GVariant* arguments) {
+    const Variant path = property("Menu");
+    return call(g_variant_get_string(path.get(), nullptr), "com.canonical.dbusmenu", method,
+                arguments);
 }
 
 bool StatusNotifierPanel::waitForItem() {
@@ -118,26 +126,18 @@ bool StatusNotifierPanel::waitForItem() {
 }
 
 std::string StatusNotifierPanel::title() {
-    GVariant* const value = property("Title");
-    std::string text = g_variant_get_string(value, nullptr);
-    g_variant_unref(value);
-    return text;
+    return g_variant_get_string(property("Title").get(), nullptr);
 }
 
 std::size_t StatusNotifierPanel::iconCount() {
-    GVariant* const value = property("IconPixmap");
-    const std::size_t count = g_variant_n_children(value);
-    g_variant_unref(value);
-    return count;
+    return g_variant_n_children(property("IconPixmap").get());
 }
 
 std::vector<StatusNotifierPanel::Entry> StatusNotifierPanel::entries() {
-    GVariant* const path = property("Menu");
     const char* const everyProperty[] = {nullptr};
-    GVariant* const reply = call(g_variant_get_string(path, nullptr), menuInterface, "GetLayout",
-                                 g_variant_new("(ii^as)", 0, 1, everyProperty));
+    const Variant reply = callMenu("GetLayout", g_variant_new("(ii^as)", 0, 1, everyProperty));
     GVariantIter* children = nullptr;
-    g_variant_get(reply, "(u(i@a{sv}av))", nullptr, nullptr, nullptr, &children);
+    g_variant_get(reply.get(), "(u(i@a{sv}av))", nullptr, nullptr, nullptr, &children);
     std::vector<Entry> entries;
     GVariant* child = nullptr;
     while (g_variant_iter_loop(children, "v", &child) != FALSE) {
@@ -148,8 +148,6 @@ std::vector<StatusNotifierPanel::Entry> StatusNotifierPanel::entries() {
         g_variant_unref(properties);
     }
     g_variant_iter_free(children);
-    g_variant_unref(reply);
-    g_variant_unref(path);
     return entries;
 }
 
@@ -161,14 +159,10 @@ std::vector<std::string> StatusNotifierPanel::menu() {
 }
 
 void StatusNotifierPanel::choose(const std::string& text) {
-    GVariant* const path = property("Menu");
-    for (const Entry& entry : entries()) {
+    for (const Entry& entry : entries())
         if (entry.text == text)
-            g_variant_unref(
-                call(g_variant_get_string(path, nullptr), menuInterface, "Event",
-                     g_variant_new("(isvu)", entry.id, "clicked", g_variant_new_string(""), 0U)));
-    }
-    g_variant_unref(path);
+            static_cast<void>(callMenu("Event", g_variant_new("(isvu)", entry.id, "clicked",
+                                                              g_variant_new_string(""), 0U)));
 }
 
 } // namespace kelvora::real

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,15 +34,20 @@ public:
     void choose(const std::string& text);
 
 private:
+    struct Unref {
+        void operator()(GVariant* variant) const;
+    };
+    using Variant = std::unique_ptr<GVariant, Unref>;
     struct Entry {
         int id;
         std::string text;
     };
 
     [[nodiscard]] std::vector<Entry> entries();
-    [[nodiscard]] GVariant* call(const char* path, const char* interface, const char* method,
-                                 GVariant* arguments);
-    [[nodiscard]] GVariant* property(const char* name);
+    [[nodiscard]] Variant call(const char* path, const char* interface, const char* method,
+                               GVariant* arguments);
+    [[nodiscard]] Variant callMenu(const char* method, GVariant* arguments);
+    [[nodiscard]] Variant property(const char* name);
 
     GDBusConnection* connection_ = nullptr;
     std::string item_; ///< the bus name that has registered

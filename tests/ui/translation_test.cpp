@@ -22,37 +22,12 @@ using Texts = std::set<std::pair<std::string, std::string>>;
 
 class TranslationTest : public RunningApp {
 protected:
-    void addMenus() {
-        const auto add = [this](const Menu& menu) {
-            texts.emplace("Menu", menu.title);
-            for (const MenuItem& item : menu.items) {
-                texts.emplace("Menu", item.title);
-            }
-        };
-        add(statusMenu());
-        for (const Menu& menu : mainMenu()) {
-            add(menu);
-        }
-    }
-    void addPermissions() {
-        for (const PermissionTarget target : PermissionTarget::allCases) {
-            texts.emplace("PermissionTarget", target.title());
-            texts.emplace("PermissionTarget", target.description());
-        }
+    void add(const Menu& menu) {
+        texts.emplace("Menu", menu.title);
+        for (const MenuItem& item : menu.items)
+            texts.emplace("Menu", item.title);
     }
     void addStatus() { texts.emplace("Status", app->model().hotkeyStatus()); }
-    void addListenerStates() {
-        addStatus();
-        desktop.secureInput.isOn = true;
-        app->model().setIsEnabled(true);
-        addStatus();
-        app->model().setIsEnabled(false);
-        addStatus();
-        app->model().setIsEnabled(true);
-        desktop.permissions.accessibility = false;
-        app->model().refreshPermissions();
-        addStatus();
-    }
     void addWindow() {
         const QRegularExpression call(QStringLiteral(R"re(qsTr\("([^"]*)"\))re"));
         QDirIterator files(KELVORA_UI_SOURCES, {"*.qml"}, QDir::Files,
@@ -62,9 +37,8 @@ protected:
             ASSERT_TRUE(file.open(QIODevice::ReadOnly));
             const std::string context = files.fileInfo().baseName().toStdString();
             auto calls = call.globalMatch(QString::fromUtf8(file.readAll()));
-            while (calls.hasNext()) {
+            while (calls.hasNext())
                 texts.emplace(context, calls.next().captured(1).toStdString());
-            }
         }
     }
 
@@ -72,9 +46,22 @@ protected:
 };
 
 TEST_F(TranslationTest, NoTextIsWithoutATranslation) {
-    addMenus();
-    addPermissions();
-    addListenerStates();
+    add(statusMenu());
+    for (const Menu& menu : mainMenu())
+        add(menu);
+    for (const PermissionTarget target : PermissionTarget::allCases) {
+        texts.emplace("PermissionTarget", target.title());
+        texts.emplace("PermissionTarget", target.description());
+    }
+    addStatus();
+    desktop.secureInput.isOn = true;
+    for (const bool isEnabled : {true, false, true}) {
+        app->model().setIsEnabled(isEnabled);
+        addStatus();
+    }
+    desktop.permissions.accessibility = false;
+    app->model().refreshPermissions();
+    addStatus();
     addWindow();
     texts.erase({"Menu", ""});
     EXPECT_GT(texts.size(), 55U);
@@ -82,10 +69,9 @@ TEST_F(TranslationTest, NoTextIsWithoutATranslation) {
         QTranslator translator;
         ASSERT_TRUE(translator.load(
             QStringLiteral(":/kelvora/translations/kelvora_%1.qm").arg(QLatin1String(language))));
-        for (const auto& [context, text] : texts) {
+        for (const auto& [context, text] : texts)
             EXPECT_FALSE(translator.translate(context.c_str(), text.c_str()).isEmpty())
                 << language << ", " << context << ": " << text;
-        }
     }
 }
 

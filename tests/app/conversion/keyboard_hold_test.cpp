@@ -11,14 +11,15 @@ namespace {
 class KeyboardHoldTest : public RunningApp {
 protected:
     void strikeAll(std::u16string_view labels) {
-        for (const char16_t label : labels) {
+        for (const char16_t label : labels)
             desktop.strike(label);
-        }
     }
+    void nextWindow() { desktop.windows.focus(desktop.windows.focusTarget().id + 1); }
+    std::u16string focusedText() { return desktop.windows.text(desktop.windows.focusTarget().id); }
 };
 
 TEST_F(KeyboardHoldTest, KeysTypedOnFollowTheWordInTheNewLayout) {
-    struct Case {
+    const struct {
         const char* name;
         std::u16string_view typed;
         const char* switchedTo; // by hand, before the taps
@@ -26,8 +27,7 @@ TEST_F(KeyboardHoldTest, KeysTypedOnFollowTheWordInTheNewLayout) {
         std::u16string_view keys;
         std::u16string_view text;
         const char* status = success;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"not yet recorded when the hold begins", u"ghbdtn", "us", 0.001, u",", u"приветб"},
         {"a next word, its keys read once", u"ghbdtn", "us", 0.001, u"/ vbh", u"привет. мир"},
         {"what is the same in both layouts", u"ghbdtn", "us", 0.001, u" 42", u"привет 42"},
@@ -36,16 +36,16 @@ TEST_F(KeyboardHoldTest, KeysTypedOnFollowTheWordInTheNewLayout) {
         {"just before its end", u"ghbdtn", "us", 0.115, u"q", u"приветй"},
         {"a trigger on nothing", u"", "us", 0.0005, u"q", u"q", nothing},
     };
-    for (const Case& testCase : cases) {
+    for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
         desktop.layouts.activeID = "us";
-        desktop.windows.focus(desktop.windows.focusTarget().id + 1);
+        nextWindow();
         desktop.type(testCase.typed);
         desktop.layouts.activeID = testCase.switchedTo;
         desktop.doubleShift();
         desktop.at(testCase.time, [&] { strikeAll(testCase.keys); });
         desktop.run();
-        EXPECT_EQ(desktop.windows.text(desktop.windows.focusTarget().id), testCase.text);
+        EXPECT_EQ(focusedText(), testCase.text);
         EXPECT_EQ(recorded(), testCase.text);
         EXPECT_EQ(status(), testCase.status);
         EXPECT_FALSE(desktop.keyboard.isHeldBack());
@@ -53,51 +53,44 @@ TEST_F(KeyboardHoldTest, KeysTypedOnFollowTheWordInTheNewLayout) {
 }
 
 TEST_F(KeyboardHoldTest, NothingIsSentWhenTheTextBeforeTheCaretIsUncertain) {
-    struct Case {
+    const auto click = [this] { desktop.keyboard.click(EventType::leftMouseDown); };
+    const auto typeX = [this] {
+        InputEvent key = *desktop.keyboard.createKeyEvent(0, KeyDirection::down);
+        key.text = EventText(u"x");
+        desktop.keyboard.post(key);
+    };
+    const struct {
         const char* name;
         std::function<void()> disturb;
         std::u16string added;
-    };
-    const Case cases[] = {
-        {"a click",
-         [this] {
-             desktop.at(0.001, [this] { desktop.keyboard.click(EventType::leftMouseDown); });
-         },
-         u""},
-        {"a window that the desktop cannot name", [this] { desktop.windows.setNameless(true); },
-         u""},
+    } cases[] = {
+        {"a click", [&] { desktop.at(0.001, click); }, u""},
+        {"a window that the desktop cannot name", [&] { desktop.windows.setNameless(true); }, u""},
         {"the record may be incomplete",
-         [this] {
+         [&] {
              desktop.keyboard.canSettle = false;
              desktop.at(0.003, [this] { strikeAll(u"q"); });
          },
          u"q"},
         {"another program that keeps typing",
-         [this] {
-             desktop.keyboard.canSettle = true;
-             for (int i = 1; i < 40; ++i) {
-                 desktop.at(0.0005 * i, [this] {
-                     InputEvent key = *desktop.keyboard.createKeyEvent(0, KeyDirection::down);
-                     key.text = EventText(u"x");
-                     desktop.keyboard.post(key);
-                 });
-             }
+         [&] {
+             for (int i = 1; i < 40; ++i)
+                 desktop.at(0.0005 * i, typeX);
          },
          std::u16string(39, u'x')},
     };
-    for (const Case& testCase : cases) {
-        SCOPED_TRACE(testCase.name);
-        desktop.windows.focus(desktop.windows.focusTarget().id + 1);
+    for (const auto& [name, disturb, added] : cases) {
+        SCOPED_TRACE(name);
+        nextWindow();
+        desktop.keyboard.canSettle = true;
         desktop.type(u"ghbdtn");
         desktop.doubleShift();
-        testCase.disturb();
+        disturb();
         desktop.run();
         desktop.windows.setNameless(false);
-        EXPECT_EQ(desktop.windows.text(desktop.windows.focusTarget().id),
-                  u"ghbdtn" + testCase.added);
-        for (const auto& posted : desktop.keyboard.posted) {
+        EXPECT_EQ(focusedText(), u"ghbdtn" + added);
+        for (const auto& posted : desktop.keyboard.posted)
             EXPECT_NE(posted.event.sourceUserData, SystemEventPoster::userData);
-        }
         EXPECT_EQ(status(), nothing);
         EXPECT_FALSE(desktop.keyboard.isHeldBack());
     }
@@ -106,9 +99,8 @@ TEST_F(KeyboardHoldTest, NothingIsSentWhenTheTextBeforeTheCaretIsUncertain) {
 TEST_F(KeyboardHoldTest, FocusThatMovesFirstGetsNothing) {
     for (const double time : {0.0005, 0.0015, 0.0025, 0.0035}) {
         for (const bool comesBack : {false, true}) {
-            if (comesBack && time > 0.002) {
+            if (comesBack && time > 0.002)
                 continue; // a caret that is back where it was
-            }
             desktop.keyboard.posted.clear();
             SCOPED_TRACE(testing::Message() << time << (comesBack ? " and comes back" : ""));
             desktop.windows.focus(fake::Windows::editor);
@@ -118,9 +110,8 @@ TEST_F(KeyboardHoldTest, FocusThatMovesFirstGetsNothing) {
             desktop.doubleShift();
             desktop.at(time, [&] {
                 desktop.windows.focus(fake::Windows::otherEditor);
-                if (comesBack) {
+                if (comesBack)
                     desktop.windows.focus(fake::Windows::editor);
-                }
             });
             desktop.at(0.05, [this] { desktop.strike(u'q'); });
             desktop.run();
@@ -166,9 +157,8 @@ TEST_F(KeyboardHoldTest, AFullBufferThatDropsItsOldestForAKeySinceTheTrigger) {
 TEST_F(KeyboardHoldTest, LayoutIsSwitchedBeforeTheKeysAndTheStatusComesLast) {
     int statuses = 0;
     const auto observation = app->model().observe([&](AppModelProperty property) {
-        if (property != AppModelProperty::statusMessage) {
+        if (property != AppModelProperty::statusMessage)
             return;
-        }
         ++statuses;
         EXPECT_EQ(desktop.layouts.activeID, "ru");
         EXPECT_EQ(text(), u"приветй");

@@ -13,7 +13,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace kelvora {
 
@@ -28,7 +27,6 @@ protected:
         keyboard.emplace(desktop.keyboard, desktop.windows.focusTarget());
         desktop.keyboard.posted.clear();
         desktop.accessibility.requests.clear();
-        logged_ = desktop.log.lines().size();
     }
     [[nodiscard]] ConversionServices services() {
         return {poster,        *keyboard, desktop.accessibility, desktop.pasteboard,
@@ -40,19 +38,16 @@ protected:
         const std::size_t begin = text.find_first_of(u"|[");
         text.erase(begin, 1);
         const std::size_t end = text.find(u']');
-        if (end != std::u16string::npos) {
+        if (end != std::u16string::npos)
             text.erase(end, 1);
-        }
         field().set(text);
         field().select(begin, end == std::u16string::npos ? begin : end);
     }
     [[nodiscard]] std::u16string shown() {
         std::u16string text = field().text();
-        if (field().selectedText().empty()) {
-            return text.insert(field().caret(), 1, u'|');
-        }
         const auto [begin, end] = field().range();
-        return text.insert(end, 1, u']').insert(begin, 1, u'[');
+        return begin == end ? text.insert(begin, 1, u'|')
+                            : text.insert(end, 1, u']').insert(begin, 1, u'[');
     }
     [[nodiscard]] fake::TextField& field() {
         return desktop.windows.field(desktop.windows.focusTarget().id);
@@ -61,40 +56,23 @@ protected:
     /// The keys that were posted since the case began: text as it is, "<" a Backspace, "A", "C",
     /// "V" with Command, "s" Shift-Left, "r" Right.
     [[nodiscard]] std::u16string posted() const {
+        constexpr struct {
+            KeyCode keyCode;
+            EventFlags flags;
+            char16_t name;
+        } names[] = {
+            {51, 0, u'<'},       {0, 0x100000, u'A'},  {8, 0x100000, u'C'},
+            {9, 0x100000, u'V'}, {123, 0x20000, u's'}, {124, 0, u'r'},
+        };
         std::u16string keys;
-        for (const auto& [time, direction, event] : desktop.keyboard.posted) {
-            if (direction == KeyDirection::up) {
-                continue;
+        for (const auto& [time, direction, event] : desktop.keyboard.posted)
+            if (direction == KeyDirection::down) {
+                keys += event.text.view();
+                for (const auto& [keyCode, flags, name] : names)
+                    if (event.text.empty() && keyCode == event.keyCode && flags == event.flags)
+                        keys += name;
             }
-            struct Name {
-                KeyCode keyCode;
-                EventFlags flags;
-                char16_t name;
-            };
-            constexpr Name names[] = {
-                {51, 0, u'<'},       {0, 0x100000, u'A'},  {8, 0x100000, u'C'},
-                {9, 0x100000, u'V'}, {123, 0x20000, u's'}, {124, 0, u'r'},
-            };
-            keys += event.text.view();
-            for (const Name& name : names) {
-                if (event.text.empty() && name.keyCode == event.keyCode &&
-                    name.flags == event.flags) {
-                    keys += name.name;
-                }
-            }
-        }
         return keys;
-    }
-    /// What was logged since the case began.
-    [[nodiscard]] std::vector<std::string> logged(LogLevel level) const {
-        std::vector<std::string> messages;
-        const auto lines = desktop.log.lines();
-        for (std::size_t line = logged_; line < lines.size(); ++line) {
-            if (lines[line].level == level) {
-                messages.push_back(lines[line].message);
-            }
-        }
-        return messages;
     }
 
     fake::FakeDesktop desktop;
@@ -109,9 +87,6 @@ protected:
         .processIdentifier = 101,
         .typedText = std::make_shared<TypedTextBuffer>(),
     };
-
-private:
-    std::size_t logged_ = 0;
 };
 
 } // namespace kelvora

@@ -6,11 +6,20 @@
 namespace kelvora {
 namespace {
 
+using Tap = fake::EventHub::TapSupport;
+
+constexpr const char* listening = "Listening for double-Shift";
+constexpr const char* failed = "Keyboard listener could not start. Quit and reopen Kelvora.";
+constexpr const char* notPermitted = "Accessibility permission required";
+constexpr const char* secure = "Secure keyboard input is active. Leave password fields or disable "
+                               "Secure Keyboard Entry in Terminal.";
+
 class LifecycleTest : public RunningApp {
 protected:
     std::size_t listeners() const {
         return desktop.events.tapCount() + desktop.events.monitorCount();
     }
+    std::string listenerStatus() { return app->model().hotkeyStatus(); }
     /// The desktop has switched the tap off without a word.
     void switchTapOff() { app->hotkey().eventTap()->setEnabled(false); }
     bool isTapOn() { return app->hotkey().eventTap() && app->hotkey().eventTap()->isEnabled(); }
@@ -22,63 +31,52 @@ protected:
 };
 
 TEST_F(LifecycleTest, LaunchTakesOverFirstAndShowsThePreferencesToAUser) {
-    using Calls = fake::SessionCalls;
-    const Calls launched = {"claim", "accessory", "start updater", "main menu", "status item"};
+    fake::SessionCalls expected{"claim", "accessory", "start updater", "main menu", "status item"};
     desktop.defaults.values = {{"firstSourceID", "us"}, {"secondSourceID", "ru"}};
     for (const bool inBackground : {true, false}) {
         desktop.launchedInBackground = inBackground;
         app.reset();
         desktop.sessionCalls.clear();
         launch();
-        Calls expected = launched;
-        if (!inBackground) {
+        if (!inBackground)
             expected.emplace_back("preferences");
-        }
         EXPECT_EQ(desktop.sessionCalls, expected);
         EXPECT_TRUE(isTapOn());
     }
-    desktop.sessionCalls.clear();
     desktop.lifecycle.onReopen();
-    EXPECT_EQ(desktop.sessionCalls, (Calls{"preferences"}));
-}
-
-TEST_F(LifecycleTest, MenusHaveTheirItems) {
-    const auto lines = [](const Menu& menu) {
-        std::vector<std::string> result;
-        for (const MenuItem& item : menu.items) {
-            result.push_back(std::string(item.title) + '|' + std::string(item.keyEquivalent));
-        }
-        return result;
-    };
-    using Lines = std::vector<std::string>;
-    EXPECT_EQ(lines(statusMenu()), (Lines{"Enable Kelvora|", "|", "Preferences…|,",
-                                          "Check for Updates…|", "|", "Quit Kelvora|q"}));
-    ASSERT_EQ(mainMenu().size(), 2U);
-    EXPECT_EQ(mainMenu()[0].title, "Kelvora");
-    EXPECT_EQ(lines(mainMenu()[0]),
-              (Lines{"Preferences…|,", "Check for Updates…|", "|", "Quit Kelvora|q"}));
-    EXPECT_EQ(mainMenu()[1].title, "Edit");
-    EXPECT_EQ(lines(mainMenu()[1]),
-              (Lines{"Undo|z", "Redo|Z", "|", "Cut|x", "Copy|c", "Paste|v", "Select All|a"}));
+    EXPECT_EQ(desktop.sessionCalls.size(), expected.size() + 1);
 }
 
 TEST_F(LifecycleTest, MenuItemsAct) {
     const auto& choose = desktop.interface.choose;
     desktop.sessionCalls.clear();
+    desktop.type(u"ghbdtn");
     choose(MenuAction::toggleEnabled);
-    EXPECT_EQ(app->model().hotkeyStatus(), "Disabled");
+    EXPECT_EQ(listenerStatus(), "Disabled");
     EXPECT_EQ(listeners(), 0U);
+    desktop.doubleShift();
+    desktop.run();
+    EXPECT_EQ(app->model().doubleTapCount(), 0);
     choose(MenuAction::toggleEnabled);
-    EXPECT_EQ(app->model().hotkeyStatus(), "Listening for double-Shift");
+    EXPECT_EQ(listenerStatus(), listening);
+    EXPECT_EQ(recorded(), u"");
     choose(MenuAction::showPreferences);
     choose(MenuAction::checkForUpdates);
     choose(MenuAction::quit);
     EXPECT_EQ(desktop.sessionCalls,
               (fake::SessionCalls{"store isEnabled", "store isEnabled", "preferences",
                                   "check for updates", "terminate"}));
+    desktop.sessionCalls.clear();
+    for (const UpdateShowing showing : {UpdateShowing::asReminder, UpdateShowing::byController})
+        desktop.updates->standardUserDriverWillHandleShowingUpdate(showing, {},
+                                                                   UserUpdateState::userInitiated);
+    EXPECT_EQ(desktop.sessionCalls, fake::SessionCalls{"activate"}) << "forward with a window";
     const auto menuOfThePast = choose;
     app.reset();
     menuOfThePast(MenuAction::toggleEnabled);
+    desktop.hasUpdater = false;
+    launch();
+    choose(MenuAction::checkForUpdates);
 }
 
 TEST_F(LifecycleTest, ReplacedCopyHearsNothingMore) {
@@ -91,6 +89,54 @@ TEST_F(LifecycleTest, ReplacedCopyHearsNothingMore) {
     EXPECT_EQ(text(), u"ghbdtn");
 }
 
+TEST_F(LifecycleTest, TheStatusSaysWhatTheListenerDoes) {
+    const struct {
+        const char* name;
+        bool accessibility;
+        Tap tap;
+        bool global, local;
+        const char* status;
+        std::size_t taps, monitors;
+    } cases[] = {
+        {"tap", true, Tap::works, true, true, listening, 1, 1},
+        {"tap refused", true, Tap::refused, true, true, listening, 0, 2},
+        {"tap not enabled", true, Tap::cannotBeEnabled, true, false, listening, 0, 1},
+        {"own events only", true, Tap::refused, false, true, failed, 0, 1},
+        {"nothing", true, Tap::cannotBeEnabled, false, false, failed, 0, 0},
+        {"not permitted", false, Tap::works, true, true, notPermitted, 0, 0},
+    };
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        app.reset();
+        desktop.defaults.values.clear();
+        desktop.permissions.accessibility = testCase.accessibility;
+        desktop.events.tapSupport = testCase.tap;
+        desktop.events.hasGlobalMonitors = testCase.global;
+        desktop.events.hasLocalMonitors = testCase.local;
+        launch();
+        EXPECT_EQ(listenerStatus(), testCase.status);
+        EXPECT_TRUE(desktop.interface.isEnableItemOn);
+        desktop.secureInput.isOn = true;
+        app->applySettings(); // listening already
+        EXPECT_EQ(listenerStatus(), testCase.accessibility ? secure : testCase.status);
+        desktop.secureInput.isOn = false;
+        EXPECT_EQ(desktop.events.tapCount(), testCase.taps);
+        EXPECT_EQ(desktop.events.monitorCount(), testCase.monitors);
+        app->model().setIsEnabled(false);
+        EXPECT_EQ(listeners(), 0U);
+        EXPECT_FALSE(desktop.interface.isEnableItemOn);
+    }
+}
+
+TEST_F(LifecycleTest, SensitivityReachesTheDetector) {
+    app->model().setSensitivity(0.05);
+    typeAndConvert(u"ghbdtn");
+    EXPECT_EQ(app->model().doubleTapCount(), 0);
+    app->model().setSensitivity(0.1);
+    typeAndConvert(u"");
+    EXPECT_EQ(text(), u"привет") << "applying settings does not disturb a running listener";
+}
+
 TEST_F(LifecycleTest, HealthCheckRevivesTheListenerAndLeavesTheStatus) {
     switchTapOff();
     desktop.runFor(AppDelegate::healthCheckInterval - 1);
@@ -98,16 +144,15 @@ TEST_F(LifecycleTest, HealthCheckRevivesTheListenerAndLeavesTheStatus) {
     desktop.runFor(2);
     EXPECT_TRUE(isTapOn());
 
-    desktop.events.tapSupport = fake::EventHub::TapSupport::refused;
+    desktop.events.tapSupport = Tap::refused;
     desktop.events.hasGlobalMonitors = false;
     app->model().setIsEnabled(false);
     app->model().setIsEnabled(true);
-    const std::string failed = "Keyboard listener could not start. Quit and reopen Kelvora.";
-    EXPECT_EQ(app->model().hotkeyStatus(), failed);
-    desktop.events.tapSupport = fake::EventHub::TapSupport::works;
+    EXPECT_EQ(listenerStatus(), failed);
+    desktop.events.tapSupport = Tap::works;
     desktop.runFor(AppDelegate::healthCheckInterval + 1);
     EXPECT_TRUE(isTapOn());
-    EXPECT_EQ(app->model().hotkeyStatus(), failed);
+    EXPECT_EQ(listenerStatus(), failed);
 
     app->model().setIsEnabled(false);
     desktop.runFor(AppDelegate::healthCheckInterval + 1);
@@ -127,7 +172,7 @@ TEST_F(LifecycleTest, WakeOfMachineOrDisplayBeginsAnew) {
         app->model().setIsEnabled(false);
         desktop.lifecycle.onWake();
         EXPECT_TRUE(isTapOn());
-        EXPECT_EQ(app->model().hotkeyStatus(), "Disabled");
+        EXPECT_EQ(listenerStatus(), "Disabled");
         app->model().setIsEnabled(true);
     }
 }
@@ -141,7 +186,6 @@ TEST_F(LifecycleTest, SessionThatResignsForgetsAndConvertsNothing) {
     desktop.tap(keyCode::leftShift);
     desktop.run();
     EXPECT_EQ(app->model().doubleTapCount(), 0) << "the first tap was forgotten";
-    EXPECT_EQ(app->hotkey().eventTap(), tap);
     typeAndConvert(u"ghbdtn");
     EXPECT_EQ(text(), u"abcghbdtn");
 
@@ -157,7 +201,7 @@ TEST_F(LifecycleTest, SessionThatResignsForgetsAndConvertsNothing) {
 TEST_F(LifecycleTest, AccessibilityChangeIsTakenUpAtOnce) {
     desktop.permissions.accessibility = false;
     desktop.lifecycle.onAccessibilityChanged();
-    EXPECT_EQ(app->model().hotkeyStatus(), "Accessibility permission required");
+    EXPECT_EQ(listenerStatus(), notPermitted);
     EXPECT_EQ(listeners(), 0U);
     desktop.permissions.accessibility = true;
     desktop.secureInput.isOn = true;
@@ -165,7 +209,7 @@ TEST_F(LifecycleTest, AccessibilityChangeIsTakenUpAtOnce) {
     EXPECT_TRUE(isTapOn());
     desktop.secureInput.isOn = false;
     desktop.lifecycle.onAccessibilityChanged();
-    EXPECT_EQ(app->model().hotkeyStatus(), "Listening for double-Shift");
+    EXPECT_EQ(listenerStatus(), listening);
 }
 
 } // namespace

@@ -1,79 +1,45 @@
 // SPDX-License-Identifier: MIT
 #include "app/shell/app_delegate.h"
+#include "host/linux/loop/worker_thread.h"
 #include "tests/support/fake_desktop/fake_desktop.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
-#include <condition_variable>
-#include <deque>
+#include <gtest/gtest.h>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace kelvora {
 namespace {
 
-/// A queue of work that any thread fills and one thread serves.
-class WorkQueue {
-public:
-    void post(std::function<void()> work) {
-        const std::lock_guard lock(mutex_);
-        work_.push_back(std::move(work));
-        changed_.notify_one();
-    }
-    /// The work that waits, without waiting for any.
-    std::deque<std::function<void()>> take() {
-        const std::lock_guard lock(mutex_);
-        return std::exchange(work_, {});
-    }
-    /// Serves the queue until a piece of work ends it.
-    void serve(const std::atomic<bool>& ended) {
-        while (!ended) {
-            std::unique_lock lock(mutex_);
-            changed_.wait(lock, [this] { return !work_.empty(); });
-            const std::function<void()> work = std::move(work_.front());
-            work_.pop_front();
-            lock.unlock();
-            work();
-        }
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<std::function<void()>> work_;
-};
-
-/// A main thread (the test's) and a worker that really is another thread.
+/// A main thread (the test's) and the program's own worker.
 class ThreadedDispatch final : public Dispatch {
 public:
-    ThreadedDispatch() : worker_([this] { workerQueue_.serve(ended_); }) {}
-    ~ThreadedDispatch() override {
-        workerQueue_.post([this] { ended_ = true; });
-        worker_.join();
-    }
     bool isMainThread() const override { return std::this_thread::get_id() == main_; }
-    void postToMain(std::function<void()> work) override { mainQueue_.post(std::move(work)); }
-    void postToWorker(std::function<void()> work) override { workerQueue_.post(std::move(work)); }
+    void postToMain(std::function<void()> work) override {
+        const std::lock_guard lock(mutex_);
+        mainWork_.push_back(std::move(work));
+    }
+    void postToWorker(std::function<void()> work) override { worker_.post(std::move(work)); }
     void serveMain() {
-        for (const std::function<void()>& work : mainQueue_.take()) {
+        std::unique_lock lock(mutex_);
+        const auto all = std::exchange(mainWork_, {});
+        lock.unlock();
+        for (const std::function<void()>& work : all)
             work();
-        }
     }
 
 private:
     std::thread::id main_ = std::this_thread::get_id();
-    WorkQueue mainQueue_;
-    WorkQueue workerQueue_;
-    std::atomic<bool> ended_ = false;
-    std::thread worker_;
+    std::mutex mutex_;
+    std::vector<std::function<void()>> mainWork_;
+    WorkerThread worker_; ///< last: its work posts to the others
 };
 
 /// Poses as a desktop that takes a little time over everything that a conversion does to it.
 class SlowPoster final : public EventPoster {
 public:
-    class Hold final : public KeyboardHold {
-    public:
+    struct Hold final : KeyboardHold {
         [[nodiscard]] bool settle() override { return true; }
         [[nodiscard]] bool hasFocus() override { return true; }
         [[nodiscard]] bool hasHeldKeys() override { return false; }
@@ -107,9 +73,8 @@ TEST(Threads, ConversionRunsBesideTheMainThread) {
     SlowPoster poster;
     int finished = 0;
     // Only the typed-text path: the other services in memory are for one thread.
-    for (std::uint64_t window = 0; window < 40; ++window) {
+    for (std::uint64_t window = 0; window < 40; ++window)
         desktop.windows.applications[window].kind = ApplicationKind::terminal;
-    }
     for (int round = 0; round < 20; ++round) {
         ThreadedDispatch dispatch;
         const Desktop all = desktop.services();
@@ -124,14 +89,12 @@ TEST(Threads, ConversionRunsBesideTheMainThread) {
         for (std::uint64_t step = 0; step < 40; ++step) {
             desktop.type(u"ghbdtn");
             app.hotkey().onTrigger();
-            if (step % 7 == 3) {
+            if (step % 7 == 3)
                 desktop.windows.focus(step);
-            }
             dispatch.serveMain();
         }
-        if (round % 2 == 1) {
+        if (round % 2 == 1)
             continue; // the delegate goes while a conversion may still be running
-        }
         waitForConversion(app, dispatch);
         desktop.type(u"ghbdtn");
         app.hotkey().onTrigger();

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: MIT
+#include "host/linux/atspi/atspi_connection.h"
 #include "host/linux/atspi/atspi_focus_follower.h"
+#include "host/linux/atspi/atspi_focus_tracker.h"
 #include "host/linux/secure_entry_gate.h"
-#include "host/linux/x11/x11_connection.h"
 #include "host/linux/x11/x11_event_source.h"
+#include "tests/host/atspi/accessible_desktop.h"
 #include "tests/host/x11/poll_loop.h"
-#include "tests/support/real_desktop/real_desktop.h"
 #include "tests/support/real_desktop/wait_until.h"
 #include "tests/support/real_desktop/windows.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <future>
 #include <memory>
 #include <string>
@@ -21,193 +24,188 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct Toolkit {
-    const char* name;
-    std::vector<std::string> command; ///< with a plain field focused
-    int tabs;                         ///< from it to the password field
-    int passwordPlace;                ///< pixels from the top to the password field; 0: nowhere
-};
-
-const std::vector<Toolkit>& toolkits() {
-    static const std::vector<Toolkit> all{
-        {"Gtk3", {KELVORA_FIELDS_GTK3, "entry"}, 1, 75},
-        {"Gtk4", {KELVORA_FIELDS_GTK4, "entry"}, 1, 65},
-        {"Qt6", {KELVORA_FIELDS_QT6, "entry"}, 1, 50},
-        {"Chromium",
-         {"chromium", "--no-sandbox", "--no-first-run", "--disable-gpu",
-          "--force-renderer-accessibility", "--password-store=basic",
-          "file://" KELVORA_FIELDS_HTML "#entry"},
-         3,
-         0},
-    };
-    return all;
-}
-
-std::string busAddressOf(const real::RealDesktop& desktop) {
-    // The process's own services are found through its environment.
-    setenv("DBUS_SESSION_BUS_ADDRESS", desktop.busAddress().c_str(), 1);
-    return desktop.busAddress();
-}
-
-class SecretFields : public testing::TestWithParam<Toolkit> {
+class SecretFocus : public testing::Test {
 protected:
-    SecretFields() {
-        tap_ = source_.createTap(~EventMask{0}, [this](const InputEvent& event) {
-            if (event.type == EventType::keyDown)
-                for (const char16_t unit : event.text.view())
-                    seen_ += static_cast<char>(unit);
-            else if (event.type == EventType::flagsChanged)
-                seen_ += '^';
-        });
-        desktop_.keyboard().setSource(real::KeySource::physical);
-    }
-
     bool becomes(const std::function<bool()>& condition) {
         return real::waitUntil(
             [&] {
                 loop_.turn(5ms);
                 return condition();
             },
-            20s);
+            30s);
     }
+    bool becomes(FocusSecrecy secrecy) {
+        return becomes([&] { return entry_.secrecy() == secrecy; });
+    }
+    /// Its focus is told, as its own and as that of the active window.
+    bool isFollowed(const real::ChildProcess& program) {
+        return becomes([&] {
+            const auto element = follower_->focusedElement(program.pid());
+            return element && element == follower_->focusedElement();
+        });
+    }
+    void follow() {
+        follower_ = std::make_unique<AtspiFocusFollower>(loop_, [this](const FocusReport& report) {
+            reports_.push_back(report.secrecy);
+            entry_.report(report, std::chrono::steady_clock::now());
+        });
+    }
+
+    AccessibleDesktop desktop_;
+    PollLoop loop_;
+    SecureEntry entry_;
+    std::vector<FocusSecrecy> reports_;
+    std::unique_ptr<AtspiFocusFollower> follower_;
+};
+
+struct Toolkit {
+    const char* name;
+    std::vector<std::string> command; ///< with a plain field focused
+    int tabs = 1;                     ///< from it to the password field
+};
+
+const Toolkit toolkits[] = {
+    {"Gtk3", {KELVORA_FIELDS_GTK3, "entry"}},
+    {"Gtk4", {KELVORA_FIELDS_GTK4, "entry"}},
+    {"Qt6", {KELVORA_FIELDS_QT6, "entry"}},
+    {"Chromium",
+     {"chromium", "--no-sandbox", "--no-first-run", "--disable-gpu",
+      "--force-renderer-accessibility", "--password-store=basic",
+      "file://" KELVORA_FIELDS_HTML "#entry"},
+     3},
+};
+
+class SecretFields : public SecretFocus, public testing::WithParamInterface<Toolkit> {
+protected:
+    SecretFields() {
+        follow();
+        desktop_.keyboard().setSource(real::KeySource::physical);
+    }
+
     void rest(std::chrono::milliseconds time) {
         const auto end = std::chrono::steady_clock::now() + time;
         while (std::chrono::steady_clock::now() < end)
             loop_.turn(5ms);
     }
-
-    /// Ends with the plain field focused, empty, and told of.
-    void open(real::ChildProcess& program) {
-        std::optional<real::WindowId> window;
-        ASSERT_TRUE(becomes([&] {
-            window = real::windowOfProcess(desktop_.display(), program.pid());
-            return window.has_value();
-        }));
-        window_ = *window;
-        ASSERT_TRUE(real::activateWindow(desktop_.display(), window_));
-        ASSERT_TRUE(becomes([&] { return follower_.focusedElement(program.pid()).has_value(); }));
-        rest(500ms);
-        tap_->setEnabled(true);
-    }
-    void clickField(int y) {
-        const real::WindowFrame frame = real::windowFrame(desktop_.display(), window_);
-        real::clickAt(desktop_.display(), frame.x + frame.width / 2, frame.y + y);
-    }
-    /// Runs `act` as somebody at the keyboard, while the program listens.
-    void meanwhile(const std::function<void(real::Keyboard&)>& act) {
+    /// What somebody at the keyboard does, and what the program sees of it.
+    std::string seen(const std::function<void(real::Keyboard&)>& act) {
         auto done = std::async(std::launch::async, [&] { act(desktop_.keyboard()); });
         while (done.wait_for(0s) != std::future_status::ready)
             loop_.turn(1ms);
-    }
-    /// As a menu does, or a window manager while a key is down.
-    void grabForAMoment() {
-        const XcbConnectionPtr connection =
-            connectX11(desktop_.environment().at("DISPLAY").c_str());
-        ASSERT_TRUE(connection);
-        const xcb_window_t root =
-            xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data->root;
-        const XcbPtr<xcb_grab_keyboard_reply_t> reply(
-            xcb_grab_keyboard_reply(connection.get(),
-                                    xcb_grab_keyboard(connection.get(), 0, root, XCB_CURRENT_TIME,
-                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-                                    nullptr));
-        ASSERT_TRUE(reply);
-        ASSERT_EQ(reply->status, XCB_GRAB_STATUS_SUCCESS);
-        rest(100ms);
-    }
-    void goToPassword(real::Keyboard& keyboard) {
-        for (int tab = 0; tab < GetParam().tabs; ++tab)
-            keyboard.tapNamed("Tab");
-    }
-    void goBack(real::Keyboard& keyboard) {
-        for (int tab = 0; tab < GetParam().tabs; ++tab)
-            keyboard.chord("Shift_L+Tab");
-    }
-    std::string takeSeen() {
         rest(SecureEntryGate::longestPending + 200ms);
-        std::string letters;
-        for (const char letter : std::exchange(seen_, {}))
-            if (std::isalpha(static_cast<unsigned char>(letter)) != 0)
-                letters += letter;
-        return letters;
+        std::erase_if(seen_, [](char letter) { return letter == '\t'; });
+        return std::exchange(seen_, {});
+    }
+    static void move(real::Keyboard& keyboard, const char* keys) {
+        for (int tab = 0; tab < GetParam().tabs; ++tab)
+            keyboard.chord(keys);
     }
 
-    real::RealDesktop desktop_;
-    const std::string bus_ = busAddressOf(desktop_);
-    PollLoop loop_;
-    SecureEntry entry_;
-    AtspiFocusFollower follower_{loop_, [this](const FocusReport& report) {
-                                     entry_.report(report, std::chrono::steady_clock::now());
-                                 }};
     X11PostingMarks marks_;
-    int focusChanges_ = 0;
     X11EventSource source_{desktop_.environment().at("DISPLAY"),
                            loop_,
                            marks_,
-                           {.onFocusChanged = [this] { ++focusChanges_; }, .onServerGone = {}},
+                           {.onFocusChanged = [] {}, .onServerGone = {}},
                            &entry_};
-    std::unique_ptr<EventTap> tap_;
-    std::string seen_;
+    std::string seen_; ///< text, and "^" for Shift without
+    std::unique_ptr<EventTap> tap_ =
+        source_.createTap(~EventMask{0}, [this](const InputEvent& event) {
+            for (const char16_t unit : event.text.view())
+                seen_ += static_cast<char>(unit);
+            if (event.type == EventType::flagsChanged)
+                seen_ += '^';
+        });
     real::WindowId window_ = 0;
 };
 
 TEST_P(SecretFields, AreTypedIntoUnseen) {
-    real::ChildProcess program(GetParam().command, {.environment = desktop_.environment()});
-    ASSERT_NO_FATAL_FAILURE(open(program));
+    const auto program = desktop_.start(GetParam().command);
+    ASSERT_TRUE(becomes([&] {
+        window_ = real::windowOfProcess(desktop_.display(), program->pid()).value_or(0);
+        return window_ != 0;
+    }));
+    ASSERT_TRUE(real::activateWindow(desktop_.display(), window_));
+    ASSERT_TRUE(becomes([&] { return follower_->focusedElement(program->pid()).has_value(); }));
+    rest(500ms);
+    tap_->setEnabled(true);
 
     for (const real::Rhythm rhythm : {real::fastRhythm, real::personRhythm}) {
         desktop_.keyboard().setRhythm(rhythm);
-        meanwhile([](real::Keyboard& keyboard) { keyboard.type("ab"); });
-        EXPECT_EQ(takeSeen(), "ab");
-        meanwhile([this](real::Keyboard& keyboard) {
-            goToPassword(keyboard);
-            keyboard.type("hide");
-        });
-        EXPECT_EQ(takeSeen(), "");
+        EXPECT_EQ(seen([](auto& keyboard) { keyboard.type("ab"); }), "ab");
+        EXPECT_EQ(seen([](auto& keyboard) {
+                      move(keyboard, "Tab");
+                      keyboard.type("hide");
+                  }),
+                  "");
         EXPECT_EQ(entry_.secrecy(), FocusSecrecy::secret);
-        meanwhile([](real::Keyboard& keyboard) {
-            keyboard.type("me");
-            keyboard.doubleShift();
-        });
-        rest(200ms);
-        EXPECT_EQ(seen_, "") << "not even Shift";
-        grabForAMoment();
+        EXPECT_EQ(seen([](auto& keyboard) {
+                      keyboard.type("me");
+                      keyboard.doubleShift();
+                  }),
+                  "")
+            << "not even Shift";
+        { const real::ForeignKeyboardGrab menu(desktop_); }
         rest(SecureEntryGate::longestSilence + 200ms);
-        meanwhile([](real::Keyboard& keyboard) { keyboard.type("too"); });
-        EXPECT_EQ(takeSeen(), "") << "after a menu was open";
-        meanwhile([this](real::Keyboard& keyboard) {
-            goBack(keyboard);
+        EXPECT_EQ(seen([](auto& keyboard) { keyboard.type("too"); }), "") << "a menu was open";
+        std::string back = seen([](auto& keyboard) {
+            move(keyboard, "Shift_L+Tab");
             keyboard.type("cd");
         });
-        EXPECT_EQ(takeSeen(), "cd") << "typed at once into the plain field";
+        std::erase(back, '^');
+        EXPECT_EQ(back, "cd") << "typed at once into the plain field";
     }
-    EXPECT_GE(focusChanges_, 4);
-
-    if (GetParam().passwordPlace != 0) {
-        constexpr int entryPlace = 22;
-        desktop_.keyboard().setRhythm(real::fastRhythm);
-        meanwhile([this](real::Keyboard& keyboard) {
-            clickField(GetParam().passwordPlace);
-            keyboard.type("hide");
-        });
-        EXPECT_EQ(takeSeen(), "");
-        EXPECT_EQ(entry_.secrecy(), FocusSecrecy::secret);
-        meanwhile([this](real::Keyboard& keyboard) {
-            clickField(entryPlace);
-            keyboard.type("ef");
-        });
-        EXPECT_EQ(takeSeen(), "ef");
-    }
-
-    meanwhile([this](real::Keyboard& keyboard) { goToPassword(keyboard); });
-    ASSERT_TRUE(becomes([&] { return entry_.secrecy() == FocusSecrecy::secret; }));
-    program.sendSignal(SIGKILL);
-    EXPECT_TRUE(becomes([&] { return entry_.secrecy() == FocusSecrecy::ordinary; }));
-    EXPECT_FALSE(follower_.focusedElement());
+    static_cast<void>(seen([](auto& keyboard) { move(keyboard, "Tab"); }));
+    ASSERT_TRUE(becomes(FocusSecrecy::secret));
+    program->sendSignal(SIGKILL);
+    EXPECT_TRUE(becomes(FocusSecrecy::ordinary));
+    EXPECT_FALSE(follower_->focusedElement());
 }
 
-INSTANTIATE_TEST_SUITE_P(Toolkits, SecretFields, testing::ValuesIn(toolkits()),
+INSTANTIATE_TEST_SUITE_P(Toolkits, SecretFields, testing::ValuesIn(toolkits),
                          [](const auto& toolkit) { return toolkit.param.name; });
+
+TEST_F(SecretFocus, IsFoundFromBeforeTheStartAndPastAnApplicationThatHangs) {
+    follow();
+    const auto hanging = desktop_.start({KELVORA_FIELDS_QT6, "password"});
+    ASSERT_TRUE(isFollowed(*hanging));
+    follower_.reset();
+    reports_.clear();
+    follow();
+    EXPECT_TRUE(isFollowed(*hanging));
+    EXPECT_TRUE(becomes(FocusSecrecy::secret));
+    EXPECT_EQ(std::ranges::count(reports_, FocusSecrecy::ordinary), 0) << "not even at first";
+    hanging->sendSignal(SIGSTOP);
+    const auto next = desktop_.start({KELVORA_FIELDS_GTK3, "entry"});
+    EXPECT_TRUE(isFollowed(*next));
+    EXPECT_TRUE(becomes(FocusSecrecy::ordinary));
+}
+
+TEST_F(SecretFocus, OutlivesTheBus) {
+    follow();
+    const auto before = desktop_.start({KELVORA_FIELDS_GTK3, "entry"});
+    ASSERT_TRUE(isFollowed(*before));
+    const auto daemon = openAtspiConnection()->processOf("org.freedesktop.DBus");
+    ASSERT_TRUE(daemon);
+    ASSERT_EQ(kill(static_cast<pid_t>(daemon.value), SIGKILL), 0);
+    EXPECT_TRUE(becomes([&] { return reports_.back() == FocusSecrecy::untold; }));
+    EXPECT_FALSE(follower_->focusedElement());
+    const auto after = desktop_.start({KELVORA_FIELDS_GTK3, "entry"});
+    EXPECT_TRUE(isFollowed(*after));
+}
+
+TEST(AtspiFocusTracker, TakesUpAnApplicationThatTellsOfNoWindows) {
+    const AtspiReference window{":1.1", "/window"};
+    const AtspiReference field{":1.2", "/field"};
+    AtspiFocusTracker tracker;
+    tracker.windowActivated(window);
+    tracker.focusGained(field, {.isText = true, .isSecret = true});
+    EXPECT_EQ(tracker.report().secrecy, FocusSecrecy::ordinary) << "it is in the background";
+    tracker.windowDeactivated(window);
+    EXPECT_EQ(tracker.report().secrecy, FocusSecrecy::secret) << "its focus was told first";
+    tracker.windowActivated(window);
+    tracker.windowDeactivated(window);
+    EXPECT_EQ(tracker.report().secrecy, FocusSecrecy::ordinary) << "what it had long ago";
+}
 
 } // namespace
 } // namespace kelvora

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -38,27 +39,17 @@ struct TemporaryDirectory {
 class ScopedVariable {
 public:
     ScopedVariable(const char* name, const char* value) : name_(name) {
-        if (const char* previous = std::getenv(name)) {
-            hadValue_ = true;
+        if (const char* previous = std::getenv(name))
             previous_ = previous;
-        }
-        set(value);
+        value != nullptr ? setenv(name, value, 1) : unsetenv(name);
     }
-    ~ScopedVariable() { set(hadValue_ ? previous_.c_str() : nullptr); }
+    ~ScopedVariable() { previous_ ? setenv(name_, previous_->c_str(), 1) : unsetenv(name_); }
     ScopedVariable(const ScopedVariable&) = delete;
     ScopedVariable& operator=(const ScopedVariable&) = delete;
 
 private:
-    void set(const char* value) {
-        if (value != nullptr)
-            setenv(name_, value, 1);
-        else
-            unsetenv(name_);
-    }
-
     const char* name_;
-    bool hadValue_ = false;
-    std::string previous_;
+    std::optional<std::string> previous_;
 };
 
 } // namespace kelvora

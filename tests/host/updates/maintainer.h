@@ -3,31 +3,57 @@
 
 #include "host/linux/updates/update_signature.h"
 
+#include <QCryptographicHash>
+
+#include <openssl/evp.h>
+
+#include <array>
 #include <memory>
 #include <string>
-#include <string_view>
 
 namespace kelvora::test {
+
+[[nodiscard]] inline std::string sha256(const std::string& bytes) {
+    return QCryptographicHash::hash(QByteArray::fromStdString(bytes), QCryptographicHash::Sha256)
+        .toHex()
+        .toStdString();
+}
 
 /// Somebody with a key of their own who signs what they like. Written against docs/updates.md, not
 /// with the program's own constants.
 class Maintainer {
 public:
-    Maintainer();
-    ~Maintainer();
-
-    [[nodiscard]] Ed25519PublicKey publicKey() const;
+    [[nodiscard]] Ed25519PublicKey publicKey() const {
+        Ed25519PublicKey key{};
+        std::size_t size = key.size();
+        EVP_PKEY_get_raw_public_key(key_.get(), key.data(), &size);
+        return key;
+    }
     /// base64
-    [[nodiscard]] std::string sign(std::string_view message) const;
+    [[nodiscard]] std::string sign(const std::string& message) const {
+        std::array<unsigned char, 64> signature{};
+        std::size_t size = signature.size();
+        const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(),
+                                                                              &EVP_MD_CTX_free);
+        EVP_DigestSignInit(context.get(), nullptr, nullptr, nullptr, key_.get());
+        EVP_DigestSign(context.get(), signature.data(), &size,
+                       reinterpret_cast<const unsigned char*>(message.data()), message.size());
+        return QByteArray(reinterpret_cast<const char*>(signature.data()), signature.size())
+            .toBase64()
+            .toStdString();
+    }
     /// `document` under its line with the signature.
-    [[nodiscard]] std::string feed(std::string_view document) const;
+    [[nodiscard]] std::string feed(const std::string& document) const {
+        return "kelvora-updates 1 " + sign("kelvora-updates 1\n" + document) + "\n" + document;
+    }
     [[nodiscard]] std::string packageSignature(const std::string& version,
-                                               const std::string& architecture,
-                                               std::string_view package) const;
+                                               const std::string& package) const {
+        return sign("kelvora-package 1\n" + version + "\namd64\n" + std::to_string(package.size()) +
+                    "\n" + sha256(package) + "\n");
+    }
 
 private:
-    struct Key;
-    std::unique_ptr<Key> key_;
+    std::shared_ptr<EVP_PKEY> key_{EVP_PKEY_Q_keygen(nullptr, nullptr, "ED25519"), EVP_PKEY_free};
 };
 
 /// What stands in a feed; the defaults are those of a good one.
@@ -40,8 +66,17 @@ struct Document {
     std::string package = "the package";
     std::string signature = {}; ///< of the package; made by `signer` when empty
 };
-[[nodiscard]] std::string json(const Document& document, const Maintainer& signer);
 
-[[nodiscard]] std::string sha256(std::string_view bytes);
+[[nodiscard]] inline std::string json(const Document& document, const Maintainer& signer) {
+    const std::string signature = document.signature.empty()
+                                      ? signer.packageSignature(document.version, document.package)
+                                      : document.signature;
+    return "{" + document.more + R"("format": 1, "serial": )" + document.serial +
+           R"(, "expires": ")" + document.expires + R"(", "version": ")" + document.version +
+           R"(", "notes": "What <b>is</b> new", "packages": [{"architecture": "amd64", "url": ")" +
+           document.url + R"(", "size": )" + std::to_string(document.package.size()) +
+           R"(, "sha256": ")" + sha256(document.package) + R"(", "signature": ")" + signature +
+           R"("}]})";
+}
 
 } // namespace kelvora::test

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "core/text/encoding.h"
 #include "host/linux/x11/x11_posting_marks.h"
 #include "tests/host/x11/x11_rig.h"
 #include "tests/support/real_desktop/keyboard_state.h"
@@ -6,7 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <map>
 #include <memory>
+#include <regex>
+#include <sstream>
 #include <thread>
 
 namespace kelvora {
@@ -14,187 +18,130 @@ namespace {
 
 using namespace contract;
 using real::KeySource;
-using real::readKeyboardState;
 
-class X11Hold : public testing::TestWithParam<KeySource> {
+struct Case {
+    const char *name, *steps, *text, *otherText, *recorded; ///< the last three: regular expressions
+};
+
+/// A person and a program at one keyboard. Steps are words: "q" and "w" are keys struck, "+w" and
+/// "-w" one that goes down and up, "+S" and "-S" the same of Shift, ".." a while; "[" and "]" begin
+/// and end a hold, ":ab" posts; "=ab" tells what the editor shows by then; "other" moves the focus
+/// to the other editor; "own", "menu" and "brief" are grabs of the focused editor, of the other
+/// one, and for a moment, "free" ends them; "off" and "on" switch the tap; from "xtest" on the keys
+/// are another program's; "failed" and "good" tell the state of the hold.
+class X11Hold : public testing::TestWithParam<std::tuple<KeySource, Case>> {
 protected:
     X11Hold() {
-        rig.keyboard().setSource(GetParam());
+        rig.keyboard().setSource(std::get<0>(GetParam()));
         tap->setEnabled(true);
-        // The hold is made for the user who typed last.
-        rig.strike(keyQ);
-        EXPECT_TRUE(rig.textBecomes(u"q"));
-        EXPECT_TRUE(rig.becomes([&] { return recorded == u"q"; }));
+        rig.services().workspace.setOnFocusChanged([this] { recorded += '!'; });
     }
-    void begin() {
-        const FocusTarget target = rig.services().workspace.focusTarget();
-        rig.onWorker([&] {
-            hold = rig.services().eventPoster.holdKeyboard(target);
-            EXPECT_TRUE(hold->settle());
+    ~X11Hold() override { rig.services().workspace.setOnFocusChanged(nullptr); }
+
+    void take(const std::string& word) {
+        const std::map<std::string, std::function<void()>> actions{
+            {"[", [this] { rig.onWorker([this, to = workspace.focusTarget()] { begin(to); }); }},
+            {"]", [this] { hold.reset(); }},
+            {"failed", [this] { EXPECT_TRUE(hold->hasFailed()); }},
+            {"good", [this] { EXPECT_FALSE(hold->hasFailed()); }},
+            {"on", [this] { tap->setEnabled(true); }},
+            {"off", [this] { tap->setEnabled(false); }},
+            {"xtest", [this] { rig.keyboard().setSource(KeySource::synthetic); }},
+            {"other", [this] { rig.focusOtherEditor(); }},
+            {"own", [this] { rig.editor().grabKeyboard(); }},
+            {"menu", [this] { rig.other().grabKeyboard(); }},
+            {"brief", [this] { grabForAMoment(); }},
+            {"free", [this] { rig.editor().ungrabKeyboard(), rig.other().ungrabKeyboard(); }},
+            {"..", [] {}}};
+        const KeyCode key = word.back() == 'S'   ? keyCode::leftShift
+                            : word.back() == 'q' ? keyQ
+                                                 : keyW;
+        if (actions.contains(word))
+            actions.at(word)();
+        else if (word[0] == ':')
+            rig.onWorker([&] { post(toUtf16(word.substr(1))); });
+        else if (word[0] == '=')
+            EXPECT_TRUE(rig.textBecomes(toUtf16(word.substr(1)))) << word;
+        else if (word.size() == 1)
+            rig.strike(key);
+        else
+            word[0] == '+' ? rig.press(key) : rig.release(key);
+        if (word.size() > 1 && word[0] != '-')
+            rig.rest();
+    }
+    void begin(FocusTarget target) {
+        hold = rig.services().eventPoster.holdKeyboard(target);
+        EXPECT_TRUE(hold->settle());
+    }
+    void grabForAMoment() {
+        rig.other().grabKeyboard();
+        menu = std::jthread([this] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(400));
+            rig.other().ungrabKeyboard();
         });
     }
     void post(std::u16string_view text) {
-        rig.onWorker([&] {
-            auto event = rig.services().eventPoster.createKeyEvent(0, KeyDirection::down);
-            event->text = EventText(text);
-            event->sourceUserData = 1;
-            rig.services().eventPoster.post(*event);
-        });
-    }
-    void end() {
-        hold.reset();
-        rig.rest();
+        auto event = rig.services().eventPoster.createKeyEvent(0, KeyDirection::down);
+        event->text = EventText(text);
+        event->sourceUserData = 1;
+        rig.services().eventPoster.post(*event);
     }
 
     X11Rig rig;
-    std::u16string recorded; ///< the user's text as the tap delivers it
+    Workspace& workspace = rig.services().workspace;
+    std::string recorded; ///< the user's text as the tap delivers it; "!" for a change of the focus
     std::unique_ptr<EventTap> tap = rig.services().eventSource.createTap(
         eventMaskBit(EventType::keyDown), [this](const InputEvent& event) {
             if (event.sourceUserData == 0)
-                recorded += event.text.view();
+                recorded += toUtf8(event.text.view());
         });
     std::unique_ptr<KeyboardHold> hold;
+    std::jthread menu;
 };
 
-TEST_P(X11Hold, ShiftThatIsHeldThroughoutGoesOnToShift) {
-    rig.press(keyCode::leftShift);
-    rig.rest();
-    begin();
-    post(u"ab");
-    rig.strike(keyW);
-    EXPECT_TRUE(rig.textBecomes(u"qab")) << "neither shifted nor mixed with the user's key";
-    end();
-    EXPECT_TRUE(rig.textBecomes(u"qabW"));
-    rig.strike(keyW);
-    EXPECT_TRUE(rig.textBecomes(u"qabWW"));
-    rig.release(keyCode::leftShift);
-    rig.strike(keyW);
-    EXPECT_TRUE(rig.textBecomes(u"qabWWw"));
-    EXPECT_TRUE(rig.becomes([&] { return recorded == u"qWWw"; }));
-    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
-    // Nothing was left down on the keyboard that stood in for the user's.
-    rig.keyboard().setSource(KeySource::synthetic);
-    rig.press(keyCode::leftShift);
-    rig.strike(keyW);
-    rig.release(keyCode::leftShift);
-    rig.strike(keyW);
-    EXPECT_TRUE(rig.textBecomes(u"qabWWwWw"));
+TEST_P(X11Hold, KeysComeExactlyAndToWhomTheyWereMeant) {
+    const Case& expected = std::get<1>(GetParam());
+    std::istringstream words(expected.steps);
+    for (std::string word; words >> word;)
+        take(word);
+    const auto matches = [](const std::string& text, const char* pattern) {
+        return std::regex_match(text, std::regex(pattern));
+    };
+    EXPECT_TRUE(rig.becomes([&] {
+        return matches(toUtf8(rig.text()), expected.text) &&
+               matches(toUtf8(rig.otherText()), expected.otherText) &&
+               matches(recorded, expected.recorded);
+    })) << toUtf8(rig.text())
+        << ' ' << toUtf8(rig.otherText()) << ' ' << recorded;
+    EXPECT_TRUE(real::readKeyboardState(rig.xlib()).pressedKeys.empty());
 }
 
-TEST_P(X11Hold, ShiftThatComesUpMeanwhileIsNotStuck) {
-    rig.press(keyCode::leftShift);
-    rig.rest();
-    begin();
-    post(u"ab");
-    rig.release(keyCode::leftShift);
-    rig.strike(keyW);
-    end();
-    EXPECT_TRUE(rig.textBecomes(u"qabw"));
-    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
-}
-
-TEST_P(X11Hold, ShiftThatGoesDownMeanwhileHolds) {
-    begin();
-    post(u"ab");
-    rig.press(keyCode::leftShift);
-    rig.strike(keyW);
-    end();
-    rig.strike(keyQ);
-    rig.release(keyCode::leftShift);
-    rig.strike(keyQ);
-    EXPECT_TRUE(rig.textBecomes(u"qabWQq"));
-    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
-}
-
-TEST_P(X11Hold, KeysThatGoDownBeforeAndComeUpAfter) {
-    rig.press(keyW);
-    EXPECT_TRUE(rig.textBecomes(u"qw"));
-    begin();
-    post(u"ab");
-    rig.release(keyW);
-    rig.press(keyQ);
-    end();
-    rig.release(keyQ);
-    rig.strike(keyW);
-    EXPECT_TRUE(rig.textBecomes(u"qwabqw"));
-    EXPECT_TRUE(rig.becomes([&] { return recorded == u"qwqw"; }));
-    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
-}
-
-TEST_P(X11Hold, ManyKeysInALongHoldComeInTheirOrder) {
-    begin();
-    std::u16string typed;
-    for (int key = 0; key < 60; ++key) {
-        if (key % 10 == 0)
-            post(u"ab");
-        const bool isShifted = key % 7 == 0;
-        if (isShifted)
-            rig.press(keyCode::leftShift);
-        rig.strike(key % 3 == 0 ? keyQ : keyW);
-        if (isShifted)
-            rig.release(keyCode::leftShift);
-        typed += key % 3 == 0 ? (isShifted ? u'Q' : u'q') : (isShifted ? u'W' : u'w');
-    }
-    rig.press(keyW); // until it repeats, which the server makes it do after two thirds of a second
-    for (int wait = 0; wait < 6; ++wait)
-        rig.rest();
-    rig.release(keyW);
-    rig.strike(keyQ);
-    EXPECT_EQ(rig.text(), u"qabababababab");
-    end();
-    EXPECT_TRUE(rig.becomes([&] { return rig.text().ends_with(u"wq"); }));
-    rig.rest();
-    const std::u16string start = u"qabababababab" + typed;
-    const std::u16string text = rig.text();
-    ASSERT_TRUE(text.starts_with(start));
-    const std::size_t repeats = text.size() - start.size() - 1;
-    EXPECT_GT(repeats, 2U);
-    EXPECT_EQ(text.substr(start.size()), std::u16string(repeats, u'w') + u"q");
-    EXPECT_EQ(recorded, u"q" + typed + std::u16string(repeats, u'w') + u"q");
-    EXPECT_TRUE(readKeyboardState(rig.xlib()).pressedKeys.empty());
-}
-
-TEST_P(X11Hold, FocusTakenInTheMiddleGoesBackForTheRest) {
-    begin();
-    post(u"ab");
-    rig.focusOtherEditor();
-    rig.rest();
-    post(u"cd");
-    rig.strike(keyW);
-    end();
-    EXPECT_TRUE(rig.textBecomes(u"qabcd")) << "a correction is finished where it began";
-    EXPECT_TRUE(rig.becomes([&] { return rig.otherText() == u"w"; }))
-        << "whoever took the focus has it again, and the user's keys go there";
-}
-
-TEST_P(X11Hold, KeyboardTakenInTheMiddleIsWaitedFor) {
-    begin();
-    post(u"ab");
-    rig.other().grabKeyboard();
-    std::thread menu([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        rig.other().ungrabKeyboard();
-    });
-    post(u"cd");
-    menu.join();
-    EXPECT_FALSE(hold->hasFailed());
-    end();
-    EXPECT_TRUE(rig.textBecomes(u"qabcd"));
-    EXPECT_TRUE(rig.otherText().empty());
-}
-
-TEST_P(X11Hold, KeyboardTakenForGoodGetsNothing) {
-    begin();
-    post(u"ab");
-    rig.other().grabKeyboard();
-    post(u"cd");
-    EXPECT_TRUE(hold->hasFailed());
-    rig.other().ungrabKeyboard();
-    post(u"ef");
-    end();
-    EXPECT_EQ(rig.text(), u"qab");
-    EXPECT_TRUE(rig.otherText().empty());
-}
+const Case cases[] = {
+    // The hold is made for the user who typed last: each of these begins with a key.
+    {"ShiftHeldThroughoutIsNowhereStuck", "q +S [ :ab w =qab ] w -S w xtest +S w -S w", "qabWWwWw",
+     "", "qWWwWw"},
+    {"ShiftThatComesUp", "q +S [ :ab -S w ]", "qabw", "", "qw"},
+    {"ShiftThatGoesDown", "q [ :ab +S w ] q -S q", "qabWQq", "", "qWQq"},
+    {"KeysDownBeforeUpAfter", "q +w [ :ab -w +q ] -q w", "qw+abqw", "", "qw+qw"},
+    {"Repeats", "q [ :ab q +w .. .. .. .. .. -w q :cd ]", "qabcdqw{4,}q", "", "qqw{4,}q"},
+    {"FocusTaken", "q [ :ab other :cd w ]", "qabcd", "w", "q!*w"},
+    {"KeyboardTakenForAMoment", "q [ :ab brief :cd good ]", "qabcd", "", "q!*"},
+    {"KeyboardTakenForGood", "q [ :ab menu :cd failed free :ef ]", "qab", "", "q!*"},
+    // What is typed into another program's grab is nobody's text.
+    {"Menu", "q menu q free w", "qw", "q", "q!!w"},
+    {"MenuThatWasOpenBefore", "off menu on q free w", "w", "q", "!*w"},
+    {"OwnGrab", "q own w [ :ab good ] free menu q free", "qwab", "q", "q!*w!*"},
+};
+INSTANTIATE_TEST_SUITE_P(Each, X11Hold,
+                         testing::Combine(testing::Values(KeySource::physical,
+                                                          KeySource::synthetic),
+                                          testing::ValuesIn(cases)),
+                         [](const auto& each) {
+                             return std::get<1>(each.param).name +
+                                    std::string(std::get<0>(each.param) == KeySource::physical
+                                                    ? "Physical"
+                                                    : "Synthetic");
+                         });
 
 TEST(X11PostingMarks, WaitForTheirOwnFence) {
     X11PostingMarks marks;
@@ -205,12 +152,6 @@ TEST(X11PostingMarks, WaitForTheirOwnFence) {
     marks.fencePassed(fence);
     EXPECT_TRUE(marks.waitForFence(fence, std::chrono::milliseconds(0)));
 }
-
-INSTANTIATE_TEST_SUITE_P(Sources, X11Hold,
-                         testing::Values(KeySource::physical, KeySource::synthetic),
-                         [](const auto& source) {
-                             return source.param == KeySource::physical ? "Physical" : "Synthetic";
-                         });
 
 } // namespace
 } // namespace kelvora

@@ -8,20 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
 namespace kelvora {
 
 using Text = std::optional<std::u16string>;
-
-inline std::vector<Offer> textOffer(std::u16string_view text) {
-    return {{"UTF8_STRING", "UTF8_STRING", 8, toUtf8(text)}};
-}
 
 inline std::string largeText(std::size_t size) {
     std::string text(size, 'x');
@@ -37,13 +26,16 @@ protected:
     }
     [[nodiscard]] std::unique_ptr<ClipboardPeer> copy(std::vector<Offer> offers,
                                                       Manner manner = Manner::proper) const {
-        auto peer = std::make_unique<ClipboardPeer>(server.display(), std::move(offers), manner);
-        peer->own("CLIPBOARD");
-        return peer;
+        return std::make_unique<ClipboardPeer>(server.display(), std::move(offers), manner);
+    }
+    [[nodiscard]] std::unique_ptr<ClipboardPeer> copy(const std::string& text) const {
+        return copy({{"UTF8_STRING", "UTF8_STRING", 8, text}});
     }
     static Text read(Pasteboard& board) { return board.string(pasteboardType::string); }
-    static bool write(Pasteboard& board, std::u16string_view text) {
-        return board.setString(text, pasteboardType::string);
+    /// Takes the clipboard and puts a text there.
+    static void write(Pasteboard& board, std::u16string_view text) {
+        board.clearContents();
+        EXPECT_TRUE(board.setString(text, pasteboardType::string));
     }
 
     real::XServer server;

@@ -1,155 +1,90 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/xkb/key_interpreter.h"
 
+#include "core/text/encoding.h"
 #include "tests/host/xkb/keymap_fixture.h"
 
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-compose.h>
 
-#include <string_view>
+#include <sstream>
 
 namespace kelvora {
 namespace {
 
-constexpr std::uint8_t shiftBit = 1;
-constexpr std::uint8_t lockBit = 2;
-constexpr std::uint8_t controlBit = 4;
-constexpr std::uint8_t altBit = 8;
-constexpr std::uint8_t level3Bit = 0x80;
+/// The real modifiers by a letter each: Shift, Caps Lock, Control, Alt, Num Lock, third level.
+constexpr std::string_view modifierLetters = "SKCMN  A";
 
-class Interpreter : public testing::Test {
-protected:
-    void useLayouts(const char* layouts, const char* variants = "", const char* options = "") {
-        keymap_ = compileKeymap(context_.get(), layouts, variants, options);
-        ASSERT_TRUE(keymap_);
-        interpreter_.setKeymap(keymap_.get());
+/// Reads "S+-LFSH": that key comes up while Shift is in effect; "2+" is the second group, "*+" one
+/// of our own keys.
+RawKey keyOf(std::string_view word, xkb_keymap* keymap) {
+    RawKey key{.isPress = true};
+    for (; word.substr(1, 1) == "+"; word.remove_prefix(2)) {
+        if (word[0] == '2')
+            key.group = 1;
+        else if (word[0] == '*')
+            key.isSynthetic = true;
+        else
+            key.modifiers |= static_cast<std::uint8_t>(1U << modifierLetters.find(word[0]));
     }
-    std::optional<InputEvent> key(const char* name, bool isPress, std::uint8_t modifiers = 0,
-                                  std::uint32_t group = 0) {
-        return interpreter_.interpret({.keycode = xkb_keymap_key_by_name(keymap_.get(), name),
-                                       .isPress = isPress,
-                                       .modifiers = modifiers,
-                                       .group = group});
-    }
-    std::u16string typed(const char* name, std::uint8_t modifiers = 0, std::uint32_t group = 0) {
-        const auto event = key(name, true, modifiers, group);
-        return event ? std::u16string(event->text.view()) : u"<none>";
-    }
+    key.isPress = word[0] != '-';
+    key.keycode = xkb_keymap_key_by_name(keymap, word.data() + (key.isPress ? 0 : 1));
+    return key;
+}
 
-    XkbContextPtr context_ = makeQuietContext();
-    XkbComposeTablePtr compose_{xkb_compose_table_new_from_locale(context_.get(), "en_US.UTF-8",
-                                                                  XKB_COMPOSE_COMPILE_NO_FLAGS)};
-    XkbKeymapPtr keymap_;
-    KeyInterpreter interpreter_{compose_.get()};
-};
+/// "56SL": the key code and the flags, L and R for the left and the right Shift; text after a
+/// colon.
+std::string described(const std::optional<InputEvent>& event) {
+    if (!event)
+        return "nothing";
+    std::string text = std::to_string(event->keyCode);
+    for (const auto& [flag, letter] : {std::pair{eventFlag::shift, 'S'},
+                                       {eventFlag::leftShiftDevice, 'L'},
+                                       {eventFlag::rightShiftDevice, 'R'},
+                                       {eventFlag::control, 'C'},
+                                       {eventFlag::option, 'A'},
+                                       {eventFlag::command, 'M'},
+                                       {eventFlag::capsLock, 'K'}})
+        if ((event->flags & flag) != 0)
+            text += letter;
+    return event->type == EventType::flagsChanged ? text : text + ":" + toUtf8(event->text.view());
+}
 
-TEST_F(Interpreter, ModifierChangesCarryTheStateAfterThem) {
-    useLayouts("us");
+TEST(KeyInterpreter, TellsPositionsModifiersAndText) {
     const struct {
-        const char* name;
-        bool isPress;
-        std::uint8_t before;
-        KeyCode keyCode;
-        EventFlags after;
-    } steps[] = {
-        {"LFSH", true, 0, 56, eventFlag::shift | eventFlag::leftShiftDevice},
-        {"RTSH", true, shiftBit, 60,
-         eventFlag::shift | eventFlag::leftShiftDevice | eventFlag::rightShiftDevice},
+        const char *layouts, *variants, *options, *keys, *expected;
+    } cases[] = {
         // The server's state has only "some Shift": that the other one is held has to be known.
-        {"LFSH", false, shiftBit, 56, eventFlag::shift | eventFlag::rightShiftDevice},
-        {"RTSH", false, shiftBit, 60, 0},
-        {"LCTL", true, 0, 59, eventFlag::control},
-        {"LCTL", false, controlBit, 59, 0},
-        {"CAPS", true, 0, 57, 0},
-        {"CAPS", false, lockBit, 57, eventFlag::capsLock},
-        {"LWIN", true, 0, 55, eventFlag::command},
+        {"us", "", "", "LFSH S+RTSH S+-LFSH S+-RTSH", "56SL 60SLR 56SR 60"},
+        {"us", "", "", "LCTL C+-LCTL CAPS K+-CAPS LWIN M+AC01", "59C 59 57 57K 55M 0M:a"},
+        {"us", "", "", "S+K+AC01 N+KP7 VOL+ FK05 INS", "0SK:a 89:7 nothing 96: 114:"},
+        // Caret keys by what they do, those of the number block among them.
+        {"us", "", "", "KP7 HOME KP4 LEFT UP PGDN END", "115: 115: 123: 123: 126: 121: 119:"},
+        {"us", "", "", "RTRN TAB ESC DELE BKSP", "36:\r 48:\t 53:\x1B 117:\x7F 51:\b"},
+        {"us,ru", "", "", "2+S+AC01 2+AC01", "0S:Ф 0:ф"},
+        // Modifiers are what they do in the keymap, and let go of when that changes meanwhile.
+        {"us", "", "", "LFSH", "56SL"},
+        {"us,ru", "", "grp:lshift_toggle", "S+-LFSH AC01 LFSH", "56 0:a 65535"},
+        {"us", "", "ctrl:nocaps", "CAPS", "59C"},
+        {"us", "", "caps:backspace", "CAPS", "51:\b"},
+        {"de", "neo", "", "RALT A+-RALT LALT", "61A 61 55M"},
+        {"de", "", "", "RALT A+AD03", "61A 14A:€"},
+        // Dead keys give their text with the last key; our own keys are no part of the sequence.
+        {"fr", "", "", "AD11 AD03 AD03 AD11 AD11", "33: 14:ê 14:e 33: 33:^"},
+        {"fr", "", "", "AD11 *+BKSP AD03", "33: 51: 14:ê"},
     };
-    for (const auto& step : steps) {
-        SCOPED_TRACE(std::string(step.name) + (step.isPress ? " down" : " up"));
-        const auto event = key(step.name, step.isPress, step.before);
-        ASSERT_TRUE(event);
-        EXPECT_EQ(event->type, EventType::flagsChanged);
-        EXPECT_EQ(event->keyCode, step.keyCode);
-        EXPECT_EQ(event->flags, step.after);
+    const XkbContextPtr context = makeQuietContext();
+    const auto compose = loadComposeTable(context.get(), "en_US.UTF-8");
+    KeyInterpreter interpreter(compose.get());
+    for (const auto& c : cases) {
+        const auto keymap = compileKeymap(context.get(), c.layouts, c.variants, c.options);
+        interpreter.setKeymap(keymap.get());
+        std::istringstream words(c.keys);
+        std::string told;
+        for (std::string word; words >> word;)
+            told += described(interpreter.interpret(keyOf(word, keymap.get()))) + " ";
+        EXPECT_EQ(told, std::string(c.expected) + " ") << c.keys;
     }
-}
-
-TEST_F(Interpreter, ModifiersAreWhatTheyDoInTheKeymap) {
-    useLayouts("de");
-    auto event = key("RALT", true);
-    EXPECT_EQ(event->keyCode, keyCode::rightOption);
-    EXPECT_EQ(event->flags, eventFlag::option);
-    event = key("LALT", true);
-    EXPECT_EQ(event->flags, eventFlag::command);
-    EXPECT_EQ(typed("AD03", level3Bit), u"€");
-    for (const auto& [layout, variant] : {std::pair{"us", ""}, {"de", "neo"}, {"fr", "bepo"}}) {
-        useLayouts(layout, variant);
-        const ModifierRoles roles = ModifierRoles::of(keymap_.get());
-        EXPECT_NE(roles.option, 0) << layout;
-        EXPECT_NE(roles.command, 0) << layout;
-        EXPECT_EQ(roles.option & roles.command, 0) << layout;
-    }
-
-    useLayouts("us", "", "ctrl:nocaps,shift:both_capslock");
-    EXPECT_EQ(key("CAPS", true)->keyCode, keyCode::leftControl);
-    useLayouts("us", "", "caps:backspace");
-    EXPECT_EQ(key("CAPS", true)->keyCode, keyCode::backspace);
-    useLayouts("us,ru", "", "grp:lshift_toggle");
-    event = key("LFSH", true);
-    EXPECT_EQ(event->type, EventType::flagsChanged);
-    EXPECT_NE(event->keyCode, keyCode::leftShift) << "here it switches the layout";
-    EXPECT_EQ(event->flags & eventFlag::shift, 0U);
-}
-
-TEST_F(Interpreter, KeysThatChangeRolesWhileDownAreLetGoOf) {
-    useLayouts("us");
-    EXPECT_EQ(key("LFSH", true)->keyCode, keyCode::leftShift);
-    useLayouts("us", "", "grp:lshift_toggle");
-    EXPECT_EQ(key("LFSH", false, shiftBit)->flags & eventFlag::shift, 0U);
-    useLayouts("us");
-    EXPECT_EQ(key("AC01", true)->flags, 0U);
-}
-
-TEST_F(Interpreter, TextByGroupLevelAndLocks) {
-    useLayouts("us,ru");
-    EXPECT_EQ(typed("AC01", shiftBit | lockBit), u"a");
-    EXPECT_EQ(typed("AC01", shiftBit, 1), u"Ф");
-    EXPECT_EQ(typed("KP7", 0x10), u"7") << "Num Lock";
-    EXPECT_EQ(key("KP7", true)->keyCode, keyCode::home) << "no Num Lock";
-    EXPECT_EQ(key("AC01", true, altBit)->flags, eventFlag::command);
-}
-
-TEST_F(Interpreter, DeadKeysAndComposeGiveTheirTextWithTheLastKey) {
-    useLayouts("fr,us");
-    EXPECT_EQ(typed("AD11"), u"") << "dead circumflex";
-    EXPECT_EQ(typed("AD03"), u"ê");
-    EXPECT_EQ(typed("AD03"), u"e");
-    EXPECT_EQ(typed("AD11"), u"");
-    EXPECT_EQ(typed("AD11"), u"^");
-    EXPECT_EQ(typed("AD11"), u"");
-    interpreter_.reset();
-    EXPECT_EQ(typed("AD03"), u"e") << "a sequence does not outlive a restart";
-    // Our own keys are no part of the user's sequence.
-    EXPECT_EQ(typed("AD11"), u"");
-    EXPECT_TRUE(interpreter_
-                    .interpret({.keycode = xkb_keymap_key_by_name(keymap_.get(), "BKSP"),
-                                .isPress = true,
-                                .isSynthetic = true})
-                    ->text.empty());
-    EXPECT_EQ(typed("AD03"), u"ê");
-}
-
-TEST_F(Interpreter, CaretKeysByWhatTheyDo) {
-    useLayouts("us");
-    const std::pair<const char*, KeyCode> keys[] = {
-        {"RTRN", 36},  {"TAB", 48},  {"ESC", 53},   {"KPEN", 76},  {"HOME", 115}, {"PGUP", 116},
-        {"DELE", 117}, {"END", 119}, {"PGDN", 121}, {"LEFT", 123}, {"RGHT", 124}, {"DOWN", 125},
-        {"UP", 126},   {"BKSP", 51}, {"KP4", 123},  {"KPDL", 117}};
-    for (const auto& [name, code] : keys)
-        EXPECT_EQ(key(name, true)->keyCode, code) << name;
-    EXPECT_EQ(typed("FK05"), u"");
-    EXPECT_EQ(typed("INS"), u"");
-    EXPECT_EQ(key("VOL+", true), std::nullopt) << "volume is no typing";
 }
 
 } // namespace

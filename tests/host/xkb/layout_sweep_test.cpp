@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,24 +13,18 @@
 namespace kelvora {
 namespace {
 
-struct RegistryDeleter {
-    void operator()(rxkb_context* context) const { rxkb_context_unref(context); }
-};
-
 std::vector<std::pair<std::string, std::string>> allLayouts() {
-    const std::unique_ptr<rxkb_context, RegistryDeleter> registry(
-        rxkb_context_new(RXKB_CONTEXT_NO_FLAGS));
+    rxkb_context* const registry = rxkb_context_new(RXKB_CONTEXT_NO_FLAGS);
+    EXPECT_TRUE(rxkb_context_parse_default_ruleset(registry));
     std::vector<std::pair<std::string, std::string>> layouts;
-    if (!rxkb_context_parse_default_ruleset(registry.get()))
-        return layouts;
-    for (rxkb_layout* layout = rxkb_layout_first(registry.get()); layout != nullptr;
+    for (rxkb_layout* layout = rxkb_layout_first(registry); layout != nullptr;
          layout = rxkb_layout_next(layout)) {
         const char* variant = rxkb_layout_get_variant(layout);
         // "custom" is listed for users who write a file of that name.
-        if (std::string_view(rxkb_layout_get_name(layout)) == "custom")
-            continue;
-        layouts.emplace_back(rxkb_layout_get_name(layout), variant != nullptr ? variant : "");
+        if (std::string_view(rxkb_layout_get_name(layout)) != "custom")
+            layouts.emplace_back(rxkb_layout_get_name(layout), variant != nullptr ? variant : "");
     }
+    rxkb_context_unref(registry);
     return layouts;
 }
 
@@ -63,8 +56,7 @@ TEST(LayoutSweep, everyLayoutConvertsKeyByKeyBothWays) {
                 EXPECT_TRUE(converted == meant || converted == typed) << toUtf8(typed);
             }
         }
-        if (pairs.size() >= 40)
-            ++paired;
+        paired += pairs.size() >= 40 ? 1U : 0U;
     }
     // A few symbol-only and empty custom layouts type hardly anything.
     EXPECT_GT(paired * 100, listed.size() * 95);

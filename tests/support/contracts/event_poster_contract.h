@@ -29,21 +29,6 @@ protected:
     EventPoster& poster = rig->services().eventPoster;
 };
 
-TEST_P(EventPosterContract, NewEventIsBare) {
-    rig->onWorker([this] {
-        for (const auto& [direction, type] : {std::pair{KeyDirection::down, EventType::keyDown},
-                                              {KeyDirection::up, EventType::keyUp}}) {
-            const auto event = poster.createKeyEvent(keyCode::backspace, direction);
-            ASSERT_TRUE(event);
-            EXPECT_EQ(event->type, type);
-            EXPECT_EQ(event->keyCode, keyCode::backspace);
-            EXPECT_EQ(event->flags, 0U);
-            EXPECT_EQ(event->sourceUserData, 0);
-            EXPECT_TRUE(event->text.empty());
-        }
-    });
-}
-
 TEST_P(EventPosterContract, TextIsTypedOnceInWhateverLayoutIsActive) {
     std::u16string expected;
     for (const std::size_t active : {std::size_t{0}, std::size_t{1}}) {

@@ -32,8 +32,8 @@ public:
     };
     std::map<std::uint64_t, View> views; ///< by window
 
-    /// What was asked, in order: "read AXValue", "write AXSelectedText", "role", "around caret",
-    /// "replace"; the opt-in as "enable 101 AXManualAccessibility".
+    /// What was asked, in order: "read AXValue", "around caret"; the opt-in as "enable 101
+    /// AXManualAccessibility".
     std::vector<std::string> requests;
 
     [[nodiscard]] std::shared_ptr<AccessibilityElement> element(std::uint64_t window);
@@ -43,8 +43,7 @@ public:
     [[nodiscard]] std::shared_ptr<AccessibilityElement> createSystemWide() override;
 
 private:
-    class TextElement;
-    class Root;
+    class Element;
 
     [[nodiscard]] AccessibilityAttribute visibleElement(std::uint64_t window);
 

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <utility>
 
 namespace kelvora::fake {
 
@@ -26,21 +27,39 @@ public:
     bool ownWindowHasFocus = false;
 
     /// An event of the session.
-    void emit(const InputEvent& event);
+    void emit(const InputEvent& event) {
+        inOrder([this, event] {
+            deliver(taps_, event);
+            deliver(ownWindowHasFocus ? local_ : global_, event);
+        });
+    }
     /// Runs `notice` on the main thread, in order with the events.
-    void inOrder(std::function<void()> notice);
+    void inOrder(std::function<void()> notice) { scheduler_.at(lag, std::move(notice)); }
     /// The desktop switches the tap off and says so by `notice`.
-    void switchTapOff(EventType notice);
+    void switchTapOff(EventType notice) {
+        for (auto& [id, tap] : taps_) {
+            tap.enabled = false;
+            tap.handler({.type = notice, .text = {}});
+        }
+    }
 
     [[nodiscard]] std::size_t tapCount() const { return taps_.size(); }
     [[nodiscard]] std::size_t monitorCount() const { return global_.size() + local_.size(); }
 
     [[nodiscard]] std::unique_ptr<EventTap> createTap(EventMask mask,
-                                                      EventHandler handler) override;
+                                                      EventHandler handler) override {
+        return tapSupport == TapSupport::refused
+                   ? nullptr
+                   : std::make_unique<Tap>(*this, taps_, Listener{mask, std::move(handler), false});
+    }
     [[nodiscard]] std::unique_ptr<EventMonitor> addGlobalMonitor(EventMask mask,
-                                                                 EventHandler handler) override;
+                                                                 EventHandler handler) override {
+        return hasGlobalMonitors ? add(global_, {mask, std::move(handler)}) : nullptr;
+    }
     [[nodiscard]] std::unique_ptr<EventMonitor> addLocalMonitor(EventMask mask,
-                                                                EventHandler handler) override;
+                                                                EventHandler handler) override {
+        return hasLocalMonitors ? add(local_, {mask, std::move(handler)}) : nullptr;
+    }
 
 private:
     struct Listener {
@@ -49,17 +68,40 @@ private:
         bool enabled = true;
     };
     using Listeners = std::map<int, Listener>;
-    class Tap;
-    class Monitor;
 
-    static void deliver(const Listeners& listeners, const InputEvent& event);
-    [[nodiscard]] std::unique_ptr<EventMonitor> addMonitor(Listeners& listeners, EventMask mask,
-                                                           EventHandler handler);
+    /// A place among the listeners for as long as the object lives.
+    template <typename Interface>
+    struct Place : Interface {
+        Place(EventHub& owner, Listeners& all, Listener listener)
+            : hub(owner), listeners(all), id(++owner.nextID_) {
+            listeners[id] = std::move(listener);
+        }
+        ~Place() override { listeners.erase(id); }
+        EventHub& hub;
+        Listeners& listeners;
+        int id;
+    };
+    struct Tap final : Place<EventTap> {
+        using Place::Place;
+        void setEnabled(bool enabled) override {
+            listeners.at(id).enabled = enabled && hub.tapSupport != TapSupport::cannotBeEnabled;
+        }
+        [[nodiscard]] bool isEnabled() const override { return listeners.at(id).enabled; }
+    };
+
+    [[nodiscard]] std::unique_ptr<EventMonitor> add(Listeners& listeners, Listener listener) {
+        return std::make_unique<Place<EventMonitor>>(*this, listeners, std::move(listener));
+    }
+    static void deliver(const Listeners& listeners, const InputEvent& event) {
+        // By copy: a handler may remove listeners, itself included.
+        for (const auto& [id, listener] : Listeners(listeners))
+            if (listeners.contains(id) && listener.enabled &&
+                (listener.mask & eventMaskBit(event.type)) != 0)
+                listener.handler(event);
+    }
 
     Scheduler& scheduler_;
-    Listeners taps_;
-    Listeners global_;
-    Listeners local_;
+    Listeners taps_, global_, local_;
     int nextID_ = 0;
 };
 

@@ -21,35 +21,30 @@
 
 namespace kelvora::fake {
 
-class Probe final : public ApplicationProbe {
-public:
-    Probe(Scheduler& scheduler, const Pasteboard& pasteboard)
-        : scheduler_(scheduler), pasteboard_(pasteboard) {}
-
-    double answerTime = 0; ///< seconds
+struct Probe final : ApplicationProbe {
+    Probe(Scheduler& itsScheduler, const Pasteboard& itsPasteboard)
+        : scheduler(itsScheduler), pasteboard(itsPasteboard) {}
 
     [[nodiscard]] bool isResponding(FocusTarget /*target*/, double timeout) override {
-        scheduler_.pass(std::min(answerTime, timeout));
+        scheduler.pass(std::min(answerTime, timeout));
         return answerTime < timeout;
     }
     [[nodiscard]] std::optional<bool> ownsPasteboard(FocusTarget /*target*/) override {
-        return pasteboard_.isOfFocusedProgram();
+        return pasteboard.isOfFocusedProgram();
     }
 
-private:
-    Scheduler& scheduler_;
-    const Pasteboard& pasteboard_;
+    Scheduler& scheduler;
+    const Pasteboard& pasteboard;
+    double answerTime = 0; ///< seconds
 };
 
 /// A whole session in memory, in virtual time: an editor with the focus, US and Russian layouts,
 /// and a user whose fingers the test moves.
 class FakeDesktop {
 public:
-    FakeDesktop();
-
-    /// Seconds from one key to the next, and from a key's press to its release.
-    static constexpr double typingPause = 0.08;
-    static constexpr double tapLength = 0.04;
+    FakeDesktop() {
+        windows.notifyInOrder = [this](auto notice) { events.inOrder(std::move(notice)); };
+    }
 
     Scheduler scheduler;
     RecordingLog log;
@@ -70,22 +65,62 @@ public:
     Lifecycle lifecycle{sessionCalls};
     Interface interface { sessionCalls };
     bool launchedInBackground = true;
+    bool hasUpdater = true;
+    UserDriverDelegate* updates = nullptr; ///< who is told of updates
 
-    [[nodiscard]] Desktop services();
-    [[nodiscard]] SessionServices session();
+    [[nodiscard]] Desktop services() {
+        return {scheduler, log,         events,        keyboard,   layouts, translator,
+                windows,   permissions, accessibility, pasteboard, probe,   secureInput};
+    }
+    [[nodiscard]] SessionServices session() {
+        const auto makeUpdater = [this](UserDriverDelegate& delegate) {
+            updates = &delegate;
+            return hasUpdater ? std::make_unique<Updater>(sessionCalls) : nullptr;
+        };
+        return {scheduler, defaults,  login,     addresses,   lifecycle,
+                lifecycle, lifecycle, lifecycle, makeUpdater, launchedInBackground};
+    }
 
     // What the user does, taking a user's time. Labels are those of a US board, whatever the active
     // layout makes of the keys.
-    void type(std::u16string_view labels);
-    void tap(KeyCode keyCode);
+    void type(std::u16string_view labels) {
+        for (const char16_t label : labels) {
+            strike(label);
+            runFor(typingPause);
+        }
+    }
+    void tap(KeyCode keyCode) {
+        keyboard.press(keyCode);
+        runFor(tapLength);
+        keyboard.release(keyCode);
+        runFor(typingPause);
+    }
     /// Two taps of Shift; the last key goes up at the moment of return.
-    void doubleShift();
+    void doubleShift() {
+        tap(keyCode::leftShift);
+        keyboard.press(keyCode::leftShift);
+        runFor(tapLength);
+        keyboard.release(keyCode::leftShift);
+    }
 
     /// A key struck at once, for keys at given times: `at(0.03, [&] { strike(u'x'); })`.
-    void strike(char16_t label);
+    void strike(char16_t label) {
+        const LabelledKey key = keyLabelled(label);
+        if (key.shift)
+            keyboard.press(keyCode::leftShift);
+        keyboard.press(key.keyCode);
+        keyboard.release(key.keyCode);
+        if (key.shift)
+            keyboard.release(keyCode::leftShift);
+    }
     void at(double delay, std::function<void()> event) { scheduler.at(delay, std::move(event)); }
     void run() { scheduler.run(); }
     void runFor(double seconds) { scheduler.runFor(seconds); }
+
+private:
+    // Seconds from one key to the next, and from a key's press to its release.
+    static constexpr double typingPause = 0.08;
+    static constexpr double tapLength = 0.04;
 };
 
 } // namespace kelvora::fake

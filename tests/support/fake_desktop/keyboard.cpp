@@ -21,9 +21,8 @@ const std::map<KeyCode, EventFlags> modifierFlags{
 
 EventFlags flagsOf(const std::set<KeyCode>& modifiers) {
     EventFlags flags = 0;
-    for (const KeyCode modifier : modifiers) {
+    for (const KeyCode modifier : modifiers)
         flags |= modifierFlags.at(modifier);
-    }
     return flags;
 }
 
@@ -36,9 +35,8 @@ public:
     }
     ~Hold() override {
         keyboard_.hold_ = nullptr;
-        for (const UserKey& key : std::exchange(keyboard_.heldBack_, {})) {
+        for (const UserKey& key : std::exchange(keyboard_.heldBack_, {}))
             keyboard_.deliver(key);
-        }
     }
 
     [[nodiscard]] bool settle() override {
@@ -69,52 +67,36 @@ private:
     bool hasFailed_ = false;
 };
 
-void Keyboard::press(KeyCode keyCode) {
-    deliver({keyCode, KeyDirection::down});
-}
-
-void Keyboard::release(KeyCode keyCode) {
-    deliver({keyCode, KeyDirection::up});
-}
-
-void Keyboard::click(EventType button) {
-    hub_.emit({.type = button, .timestamp = scheduler_.now(), .text = {}});
-}
-
 void Keyboard::deliver(UserKey key) {
     if (hold_) {
         heldBack_.push_back(key);
         return;
     }
-    if (windows_.isGrabbed()) {
+    if (windows_.isGrabbed())
         return;
-    }
     if (modifierFlags.contains(key.keyCode)) {
         deliverModifier(key);
         return;
     }
-    if (key.direction == KeyDirection::up) {
+    if (key.direction == KeyDirection::up)
         return;
-    }
     const EventFlags flags = flagsOf(modifiersDown_);
-    const bool shift = (flags & eventFlag::shift) != 0;
-    const InputEvent event{.type = EventType::keyDown,
-                           .keyCode = key.keyCode,
-                           .flags = flags,
-                           .timestamp = scheduler_.now(),
-                           .text = EventText(layouts_.text(key.keyCode, shift))};
+    const InputEvent event{
+        .type = EventType::keyDown,
+        .keyCode = key.keyCode,
+        .flags = flags,
+        .timestamp = scheduler_.now(),
+        .text = EventText(layouts_.text(key.keyCode, (flags & eventFlag::shift) != 0))};
     hub_.emit(event);
-    if (TextField* field = windows_.focusedField()) {
+    if (TextField* field = windows_.focusedField())
         field->receive(event);
-    }
 }
 
 void Keyboard::deliverModifier(UserKey key) {
-    if (key.direction == KeyDirection::down) {
+    if (key.direction == KeyDirection::down)
         modifiersDown_.insert(key.keyCode);
-    } else {
+    else
         modifiersDown_.erase(key.keyCode);
-    }
     hub_.emit({.type = EventType::flagsChanged,
                .keyCode = key.keyCode,
                .flags = flagsOf(modifiersDown_),
@@ -123,9 +105,8 @@ void Keyboard::deliverModifier(UserKey key) {
 }
 
 std::optional<InputEvent> Keyboard::createKeyEvent(KeyCode keyCode, KeyDirection direction) {
-    if (refuses && refuses(keyCode, direction)) {
+    if (refuses && refuses(keyCode, direction))
         return std::nullopt;
-    }
     return InputEvent{.type =
                           direction == KeyDirection::down ? EventType::keyDown : EventType::keyUp,
                       .keyCode = keyCode,
@@ -135,13 +116,11 @@ std::optional<InputEvent> Keyboard::createKeyEvent(KeyCode keyCode, KeyDirection
 void Keyboard::post(const InputEvent& event) {
     const bool down = event.type == EventType::keyDown;
     posted.push_back({scheduler_.now(), down ? KeyDirection::down : KeyDirection::up, event});
-    if (!down) {
+    if (!down)
         return;
-    }
     TextField* field = hold_ ? hold_->receiver() : windows_.focusedField();
-    if (!field) {
+    if (!field)
         return;
-    }
     InputEvent seen = event;
     seen.timestamp = scheduler_.now();
     hub_.emit(seen);
@@ -149,14 +128,12 @@ void Keyboard::post(const InputEvent& event) {
 }
 
 EventFlags Keyboard::modifierState() {
-    ++modifierStateReads;
     return flagsOf(modifiersDown_);
 }
 
 std::unique_ptr<KeyboardHold> Keyboard::holdKeyboard(FocusTarget target) {
-    if (!canHold || hold_) {
+    if (!canHold || hold_)
         return nullptr;
-    }
     return std::make_unique<Hold>(*this, target);
 }
 

@@ -21,9 +21,11 @@ public:
         : scheduler_(scheduler), hub_(hub), layouts_(layouts), windows_(windows) {}
 
     // The user's fingers.
-    void press(KeyCode keyCode);
-    void release(KeyCode keyCode);
-    void click(EventType button);
+    void press(KeyCode keyCode) { deliver({keyCode, KeyDirection::down}); }
+    void release(KeyCode keyCode) { deliver({keyCode, KeyDirection::up}); }
+    void click(EventType button) {
+        hub_.emit({.type = button, .timestamp = scheduler_.now(), .text = {}});
+    }
 
     struct Posted {
         double time = 0;
@@ -34,7 +36,6 @@ public:
     std::vector<Posted> posted;
     /// Makes createKeyEvent fail for the events for which it answers true.
     std::function<bool(KeyCode, KeyDirection)> refuses;
-    int modifierStateReads = 0;
 
     bool canHold = true;
     bool canSettle = true;

@@ -17,15 +17,11 @@ struct LabelledKey {
 };
 [[nodiscard]] LabelledKey keyLabelled(char16_t label);
 
-/// A layout whose keys type `base`, and with Shift `shifted`: one character a key, in the order of
-/// the labels of a US board, row by row from the top left.
-[[nodiscard]] InputSource makeLayout(std::string id, std::u16string_view base,
-                                     std::u16string_view shifted);
 [[nodiscard]] InputSource usLayout();
 [[nodiscard]] InputSource russianLayout();
 [[nodiscard]] InputSource greekLayout();
 
-/// Reads the key tables that `makeLayout` makes. Option types nothing.
+/// Reads the data of the layouts above. Option types nothing.
 class Translator final : public KeyTranslator {
 public:
     [[nodiscard]] std::ptrdiff_t translate(std::span<const std::byte> layoutData, KeyCode keyCode,

@@ -16,14 +16,10 @@
 namespace kelvora::fake {
 
 /// What tells the program of its own life: a test calls the handlers. Adds "claim" to the calls.
-class Lifecycle final : public SingleInstance,
-                        public SessionEvents,
-                        public DisplayEvents,
-                        public AccessibilityStatus {
-public:
+struct Lifecycle final
+    : Recorder<SingleInstance, SessionEvents, DisplayEvents, AccessibilityStatus> {
+    using Recorder::Recorder;
     using Handler = std::function<void()>;
-
-    explicit Lifecycle(SessionCalls& calls) : calls_(calls) {}
 
     bool isSessionActive = true;
     Handler onReplaced, onReopen, onWake, onDisplayWake, onBecameActive, onResignedActive,
@@ -38,29 +34,19 @@ public:
     void setOnResignedActive(Handler handler) override { onResignedActive = std::move(handler); }
     void setOnDisplayWake(Handler handler) override { onDisplayWake = std::move(handler); }
     void setOnChanged(Handler handler) override { onAccessibilityChanged = std::move(handler); }
-
-private:
-    SessionCalls& calls_;
 };
 
 /// Adds "start updater" and "check for updates" to the calls.
-class Updater final : public UpdaterController {
-public:
-    explicit Updater(SessionCalls& calls) : calls_(calls) {}
-
+struct Updater final : Recorder<UpdaterController> {
+    using Recorder::Recorder;
     void start() override { calls_.emplace_back("start updater"); }
     void checkForUpdates() override { calls_.emplace_back("check for updates"); }
-
-private:
-    SessionCalls& calls_;
 };
 
 /// Menus and windows that only remember. Adds "accessory", "main menu", "status item",
 /// "preferences", "activate" and "terminate" to the calls.
-class Interface final : public UserInterface {
-public:
-    explicit Interface(SessionCalls& calls) : calls_(calls) {}
-
+struct Interface final : Recorder<UserInterface> {
+    using Recorder::Recorder;
     bool isEnableItemOn = false;
     std::function<void(MenuAction)> choose; ///< an item of a menu
 
@@ -74,9 +60,6 @@ public:
     void showPreferences(AppModel& /*model*/) override { calls_.emplace_back("preferences"); }
     void activate() override { calls_.emplace_back("activate"); }
     void terminate() override { calls_.emplace_back("terminate"); }
-
-private:
-    SessionCalls& calls_;
 };
 
 } // namespace kelvora::fake

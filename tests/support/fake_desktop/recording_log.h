@@ -23,7 +23,6 @@ public:
         const std::lock_guard lock(mutex_);
         lines_.push_back({level, std::string(category), std::string(message)});
     }
-
     [[nodiscard]] std::vector<Line> lines() const {
         const std::lock_guard lock(mutex_);
         return lines_;
@@ -32,11 +31,9 @@ public:
     [[nodiscard]] std::vector<std::string> messages(std::string_view category,
                                                     LogLevel level) const {
         std::vector<std::string> found;
-        for (const Line& line : lines()) {
-            if (line.category == category && line.level == level) {
+        for (const Line& line : lines())
+            if (line.category == category && line.level == level)
                 found.push_back(line.message);
-            }
-        }
         return found;
     }
 

@@ -19,7 +19,9 @@ public:
     [[nodiscard]] double now() const { return now_; }
 
     /// Runs `event` on the main thread `delay` seconds from now.
-    void at(double delay, std::function<void()> event);
+    void at(double delay, std::function<void()> event) {
+        scheduled_.emplace(now_ + delay, std::move(event));
+    }
 
     /// Lets time pass for the one who calls, as a sleep does.
     void pass(double seconds);
@@ -35,16 +37,17 @@ public:
                                                 std::function<void()> work) override;
 
 private:
-    class RepeatingTimer;
+    using Queue = std::deque<std::function<void()>>;
+    struct RepeatingTimer;
 
+    static void runFront(Queue& queue);
     void serveMain();
     [[nodiscard]] bool runNextScheduled(double end);
     void runUntil(double end);
 
     double now_ = 1000; // not zero: only differences may count
     bool onWorker_ = false;
-    std::deque<std::function<void()>> main_;
-    std::deque<std::function<void()>> worker_;
+    Queue main_, worker_;
     std::multimap<double, std::function<void()>> scheduled_;
     std::vector<RepeatingTimer*> timers_;
 };

@@ -19,10 +19,15 @@ namespace kelvora::fake {
 /// and what lifecycle.h adds.
 using SessionCalls = std::vector<std::string>;
 
-class Permissions final : public kelvora::Permissions {
-public:
-    explicit Permissions(SessionCalls& calls) : calls_(calls) {}
+/// Poses as these, and notes what is asked of them.
+template <typename... Interfaces>
+struct Recorder : Interfaces... {
+    explicit Recorder(SessionCalls& calls) : calls_(calls) {}
+    SessionCalls& calls_;
+};
 
+struct Permissions final : Recorder<kelvora::Permissions> {
+    using Recorder::Recorder;
     bool accessibility = true;
     bool inputMonitoring = true;
 
@@ -30,16 +35,11 @@ public:
     [[nodiscard]] bool mayListenToEvents() override { return inputMonitoring; }
     void requestAccessibilityTrust() override { calls_.emplace_back("prompt accessibility"); }
     void requestListeningToEvents() override { calls_.emplace_back("prompt listening"); }
-
-private:
-    SessionCalls& calls_;
 };
 
-class Defaults final : public UserDefaults {
-public:
+struct Defaults final : Recorder<UserDefaults> {
+    using Recorder::Recorder;
     using Value = std::variant<bool, double, std::string>;
-
-    explicit Defaults(SessionCalls& calls) : calls_(calls) {}
 
     std::map<std::string, Value, std::less<>> values;
 
@@ -73,8 +73,6 @@ private:
         calls_.push_back("store " + std::string(key));
         values.insert_or_assign(std::string(key), std::move(value));
     }
-
-    SessionCalls& calls_;
 };
 
 class Secrecy final : public SecureInput {
@@ -97,17 +95,12 @@ public:
     }
 };
 
-class Addresses final : public AddressOpener {
-public:
-    explicit Addresses(SessionCalls& calls) : calls_(calls) {}
-
+struct Addresses final : Recorder<AddressOpener> {
+    using Recorder::Recorder;
     bool open(std::string_view address) override {
         calls_.push_back("open " + std::string(address));
         return true;
     }
-
-private:
-    SessionCalls& calls_;
 };
 
 } // namespace kelvora::fake

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "core/text/characters.h"
 #include "host/input_event.h"
 #include "tests/support/fake_desktop/pasteboard.h"
 #include "tests/support/fake_desktop/scheduler.h"
@@ -20,20 +21,41 @@ public:
         : pasteboard_(pasteboard), scheduler_(scheduler) {}
 
     // How an application may differ from an ordinary one.
-    bool ignoresShortcuts = false;
     double copyDelay = 0;  ///< seconds from Command-C to the copy
     double pasteDelay = 0; ///< seconds from Command-V to the paste
     /// What is copied of a selection, instead of its text.
     std::function<std::u16string(std::u16string_view)> copies;
 
     /// A key went down in the window, and types `event.text` if it types anything.
-    void receive(const InputEvent& event);
+    void receive(const InputEvent& event) {
+        if ((event.flags & (eventFlag::control | eventFlag::command)) != 0) {
+            receiveShortcut(event.keyCode);
+        } else if (event.keyCode == keyCode::leftArrow || event.keyCode == keyCode::rightArrow) {
+            moveCaret(event.keyCode, (event.flags & eventFlag::shift) != 0);
+        } else if (!event.text.empty()) {
+            insert(event.text.view());
+        } else if (event.keyCode == keyCode::backspace) {
+            if (anchor_ == caret_)
+                anchor_ = neighbour(keyCode::leftArrow);
+            insert(u"");
+        }
+    }
 
     /// Replaces everything; the caret is at the end.
-    void set(std::u16string text);
-    void select(std::size_t anchor, std::size_t caret);
+    void set(std::u16string text) {
+        text_ = std::move(text);
+        select(text_.size(), text_.size());
+    }
+    void select(std::size_t anchor, std::size_t caret) {
+        anchor_ = anchor;
+        caret_ = caret;
+    }
     /// Replaces the selection; the caret is behind the new text.
-    void insert(std::u16string_view text);
+    void insert(std::u16string_view text) {
+        const auto [begin, end] = range();
+        text_.replace(begin, end - begin, text);
+        select(begin + text.size(), begin + text.size());
+    }
 
     [[nodiscard]] const std::u16string& text() const { return text_; }
     [[nodiscard]] std::size_t caret() const { return caret_; }
@@ -46,10 +68,34 @@ public:
     }
 
 private:
-    void receiveShortcut(KeyCode keyCode);
+    void receiveShortcut(KeyCode keyCode) {
+        if (keyCode == keyCode::a) {
+            select(0, text_.size());
+        } else if (keyCode == keyCode::c && anchor_ != caret_) {
+            scheduler_.at(copyDelay, [this] {
+                pasteboard_.copyText(copies ? copies(selectedText()) : selectedText(),
+                                     Pasteboard::Program::focused);
+            });
+        } else if (keyCode == keyCode::v) {
+            const auto paste = [this] { insert(pasteboard_.paste().value_or(u"")); };
+            pasteDelay > 0 ? scheduler_.at(pasteDelay, paste) : paste();
+        }
+    }
     /// The boundary one character from the caret.
-    [[nodiscard]] std::size_t neighbour(KeyCode arrow) const;
-    void moveCaret(KeyCode arrow, bool extend);
+    [[nodiscard]] std::size_t neighbour(KeyCode arrow) const {
+        CharacterSegmenter characters(text_);
+        if (arrow == keyCode::leftArrow)
+            return caret_ == 0 ? 0 : characters.previous(caret_);
+        return caret_ == text_.size() ? caret_ : characters.next(caret_);
+    }
+    void moveCaret(KeyCode arrow, bool extend) {
+        const auto [begin, end] = range();
+        if (extend || begin == end)
+            caret_ = neighbour(arrow);
+        else
+            caret_ = arrow == keyCode::leftArrow ? begin : end;
+        anchor_ = extend ? anchor_ : caret_;
+    }
 
     Pasteboard& pasteboard_;
     Scheduler& scheduler_;

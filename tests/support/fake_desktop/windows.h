@@ -28,15 +28,23 @@ public:
     };
 
     /// 0: nothing has the focus.
-    void focus(std::uint64_t window);
+    void focus(std::uint64_t window) {
+        focused_ = window;
+        focusChanged();
+    }
     /// The desktop cannot tell what has the focus; keys go there all the same.
     void setNameless(bool isNameless) { isNameless_ = isNameless; }
     /// Another client takes the whole keyboard, as a locker does, or gives it back.
-    void setGrabbed(bool grabbed);
+    void setGrabbed(bool grabbed) {
+        grabbed_ = grabbed;
+        focusChanged();
+    }
     [[nodiscard]] bool isGrabbed() const { return grabbed_; }
 
     /// Where keys go now; null when they go nowhere.
-    [[nodiscard]] TextField* focusedField();
+    [[nodiscard]] TextField* focusedField() {
+        return focused_ == 0 || grabbed_ ? nullptr : &field(focused_);
+    }
     [[nodiscard]] TextField& field(std::uint64_t window = editor) {
         return fields_.try_emplace(window, pasteboard_, scheduler_).first->second;
     }
@@ -44,14 +52,22 @@ public:
         return field(window).text();
     }
 
-    [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override;
+    [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override {
+        const auto found = applications.find(focused_);
+        return found == applications.end() ? std::nullopt : std::optional(found->second);
+    }
     [[nodiscard]] FocusTarget focusTarget() override { return {isNameless_ ? 0 : focused_}; }
     void setOnFocusChanged(std::function<void()> handler) override {
         onFocusChanged_ = std::move(handler);
     }
 
 private:
-    void focusChanged();
+    void focusChanged() {
+        notifyInOrder([this] {
+            if (onFocusChanged_)
+                onFocusChanged_();
+        });
+    }
 
     Pasteboard& pasteboard_;
     Scheduler& scheduler_;

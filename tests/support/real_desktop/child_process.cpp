@@ -19,25 +19,20 @@ namespace {
 
 std::vector<char*> pointers(std::vector<std::string>& strings) {
     std::vector<char*> result;
-    result.reserve(strings.size() + 1);
-    for (std::string& string : strings) {
+    for (std::string& string : strings)
         result.push_back(string.data());
-    }
     result.push_back(nullptr);
     return result;
 }
 
 } // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Options& options) {
-    std::vector<std::string> argumentCopies = arguments;
+ChildProcess::ChildProcess(std::vector<std::string> arguments, const Options& options) {
     std::vector<std::string> variables;
-    for (const auto& [name, value] : options.environment) {
-        variables.push_back(name);
-        variables.back().append("=").append(value);
-    }
-    std::vector<char*> argv = pointers(argumentCopies);
-    std::vector<char*> envp = pointers(variables);
+    for (const auto& [name, value] : options.environment)
+        variables.emplace_back(name).append("=").append(value);
+    const std::vector<char*> argv = pointers(arguments);
+    const std::vector<char*> envp = pointers(variables);
     const std::string output =
         options.outputFile.empty() ? std::string("/dev/null") : options.outputFile.string();
     const pid_t parent = getpid();
@@ -51,19 +46,15 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Opti
         // Only calls that are safe in the child of a program with threads, up to the exec.
         setpgid(0, 0);
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (getppid() != parent) {
+        if (getppid() != parent)
             _exit(126);
-        }
-        const int input = open("/dev/null", O_RDONLY);
         const int sink = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-        dup2(input, STDIN_FILENO);
+        dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
         dup2(sink, STDOUT_FILENO);
         dup2(sink, STDERR_FILENO);
-        for (int descriptor = 3; descriptor < 256; ++descriptor) {
-            if (descriptor != options.inheritedDescriptor) {
+        for (int descriptor = 3; descriptor < 256; ++descriptor)
+            if (descriptor != options.inheritedDescriptor)
                 close(descriptor);
-            }
-        }
         execvpe(argv[0], argv.data(), envp.data());
         _exit(127);
     }
@@ -71,27 +62,20 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Opti
 }
 
 ChildProcess::~ChildProcess() {
-    if (isRunning()) {
-        kill(-pid_, SIGTERM);
-        if (!waitForExit(std::chrono::seconds(3))) {
-            kill(-pid_, SIGKILL);
+    for (const int signal : {SIGTERM, SIGKILL})
+        if (isRunning()) {
+            kill(-pid_, signal);
             static_cast<void>(waitForExit(std::chrono::seconds(3)));
         }
-    }
     // What it started itself and left behind in its group.
     kill(-pid_, SIGKILL);
 }
 
 bool ChildProcess::isRunning() {
-    if (exitCode_) {
-        return false;
-    }
     int status = 0;
-    if (waitpid(pid_, &status, WNOHANG) != pid_) {
-        return true;
-    }
-    exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return false;
+    if (!exitCode_ && waitpid(pid_, &status, WNOHANG) == pid_)
+        exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return !exitCode_;
 }
 
 std::optional<int> ChildProcess::waitForExit(std::chrono::milliseconds deadline) {
@@ -104,9 +88,8 @@ void ChildProcess::sendSignal(int signal) const {
 }
 
 std::string fileContent(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
     std::ostringstream content;
-    content << stream.rdbuf();
+    content << std::ifstream(file, std::ios::binary).rdbuf();
     return content.str();
 }
 

@@ -26,7 +26,7 @@ public:
     };
 
     /// Runs `arguments[0]`, looked up in PATH. Aborts the test program when it cannot be run.
-    ChildProcess(const std::vector<std::string>& arguments, const Options& options);
+    ChildProcess(std::vector<std::string> arguments, const Options& options);
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;

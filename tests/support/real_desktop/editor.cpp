@@ -5,31 +5,23 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
 
 namespace kelvora::real {
 
-namespace {
-
-std::vector<std::string> command(EditorKind kind) {
-    return kind == EditorKind::gtk ? std::vector<std::string>{"mousepad", "--disable-server"}
-                                   : std::vector<std::string>{"featherpad", "--standalone"};
-}
-
-} // namespace
-
 Editor::Editor(RealDesktop& desktop, EditorKind kind)
     : desktop_(desktop), kind_(kind),
-      process_(command(kind), {.environment = desktop.environment()}) {
-    const bool isShown = waitUntil([this] {
-        window_ = windowOfProcess(desktop_.display(), process_.pid()).value_or(0);
-        return window_ != 0;
-    });
-    const bool isReady = isShown && activateWindow(desktop.display(), window_) && waitUntil([this] {
-                             document_ =
-                                 AccessibleText::find(desktop_.busAddress(), process_.pid());
-                             return document_ != nullptr;
-                         });
+      process_(kind == EditorKind::gtk ? std::vector<std::string>{"mousepad", "--disable-server"}
+                                       : std::vector<std::string>{"featherpad", "--standalone"},
+               {.environment = desktop.environment()}) {
+    const bool isReady =
+        waitUntil([this] {
+            window_ = windowOfProcess(desktop_.display(), process_.pid()).value_or(0);
+            return window_ != 0;
+        }) &&
+        activateWindow(desktop.display(), window_) && waitUntil([this] {
+            document_ = AccessibleText::find(desktop_.busAddress(), process_.pid());
+            return document_ != nullptr;
+        });
     if (!isReady) {
         std::fprintf(stderr, "%s does not start\n", name().c_str());
         std::abort();
@@ -46,9 +38,8 @@ std::string Editor::text() {
 
 bool Editor::beginFreshLine() {
     lockLayout(desktop_.display(), 0);
-    if (!activateWindow(desktop_.display(), window_)) {
+    if (!activateWindow(desktop_.display(), window_))
         return false;
-    }
     desktop_.keyboard().controlWith('a');
     desktop_.keyboard().tap(key::backspace);
     return waitUntil([this] { return text().empty(); });

@@ -4,61 +4,47 @@
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput.h>
 #include <X11/extensions/XTest.h>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <thread>
+#include <utility>
 
 namespace kelvora::real {
 
 namespace {
 
-struct Row {
-    unsigned firstKeyCode;
-    std::string_view plain;
-    std::string_view shifted;
-};
-
-constexpr std::array rows{
-    Row{49, "`", "~"},
-    Row{10, "1234567890-=", "!@#$%^&*()_+"},
-    Row{24, "qwertyuiop[]", "QWERTYUIOP{}"},
-    Row{38, "asdfghjkl;'", "ASDFGHJKL:\""},
-    Row{51, "\\", "|"},
-    Row{52, "zxcvbnm,./", "ZXCVBNM<>?"},
-    Row{key::space, " ", ""},
-    Row{key::backspace, "\b", ""},
-};
-
 struct Stroke {
-    unsigned keyCode;
-    bool needsShift;
+    unsigned keyCode = 0; // 0: there is no such key
+    bool needsShift = false;
 };
 
-std::optional<Stroke> strokeFor(char character) {
-    for (const Row& row : rows) {
-        if (const std::size_t index = row.plain.find(character); index != std::string_view::npos) {
-            return Stroke{row.firstKeyCode + static_cast<unsigned>(index), false};
-        }
-        if (const std::size_t index = row.shifted.find(character);
-            index != std::string_view::npos) {
-            return Stroke{row.firstKeyCode + static_cast<unsigned>(index), true};
-        }
-    }
-    return std::nullopt;
+Stroke strokeFor(char character) {
+    constexpr struct {
+        unsigned firstKeyCode;
+        std::string_view plain, shifted;
+    } rows[] = {{49, "`", "~"},
+                {10, "1234567890-=", "!@#$%^&*()_+"},
+                {24, "qwertyuiop[]", "QWERTYUIOP{}"},
+                {38, "asdfghjkl;'", "ASDFGHJKL:\""},
+                {51, "\\", "|"},
+                {52, "zxcvbnm,./", "ZXCVBNM<>?"},
+                {key::space, " ", ""},
+                {key::backspace, "\b", ""}};
+    for (const auto& [firstKeyCode, plain, shifted] : rows)
+        for (const std::string_view row : {plain, shifted})
+            if (const std::size_t index = row.find(character); index != std::string_view::npos)
+                return {firstKeyCode + static_cast<unsigned>(index), row == shifted};
+    return {};
 }
 
 XDevice* openPhysicalKeyboard(Display* display) {
     int count = 0;
     XDeviceInfo* const devices = XListInputDevices(display, &count);
     XDevice* opened = nullptr;
-    for (int index = 0; index < count && opened == nullptr; ++index) {
-        if (std::strcmp(devices[index].name, "Xvfb keyboard") == 0) {
+    for (int index = 0; index < count && opened == nullptr; ++index)
+        if (std::strcmp(devices[index].name, "Xvfb keyboard") == 0)
             opened = XOpenDevice(display, devices[index].id);
-        }
-    }
     XFreeDeviceList(devices);
     return opened;
 }
@@ -73,6 +59,11 @@ Keyboard::Keyboard(_XDisplay* display)
     }
 }
 
+Keyboard::~Keyboard() {
+    // The server closes the device with the display, which may be gone already.
+    XFree(physicalDevice_);
+}
+
 std::chrono::milliseconds Keyboard::nextInterval() {
     std::uniform_int_distribution<std::chrono::milliseconds::rep> distribution(
         rhythm_.shortest.count(), rhythm_.longest.count());
@@ -81,28 +72,12 @@ std::chrono::milliseconds Keyboard::nextInterval() {
 
 void Keyboard::post(unsigned keyCode, bool isPress) {
     const Bool press = isPress ? True : False;
-    if (source_ == KeySource::physical) {
+    if (source_ == KeySource::physical)
         XTestFakeDeviceKeyEvent(display_, static_cast<XDevice*>(physicalDevice_), keyCode, press,
                                 nullptr, 0, CurrentTime);
-    } else {
+    else
         XTestFakeKeyEvent(display_, keyCode, press, CurrentTime);
-    }
     XFlush(display_);
-}
-
-Keyboard::~Keyboard() {
-    // The server closes the device with the display, which may be gone already.
-    if (physicalDevice_ != nullptr) {
-        XFree(physicalDevice_);
-    }
-}
-
-void Keyboard::press(unsigned keyCode) {
-    post(keyCode, true);
-}
-
-void Keyboard::release(unsigned keyCode) {
-    post(keyCode, false);
 }
 
 void Keyboard::tap(unsigned keyCode) {
@@ -116,20 +91,19 @@ void Keyboard::tap(unsigned keyCode) {
 void Keyboard::type(std::string_view text) {
     bool isShiftHeld = false;
     const auto holdShift = [&](bool held) {
-        if (held != isShiftHeld) {
+        if (std::exchange(isShiftHeld, held) != held) {
             post(key::leftShift, held);
             std::this_thread::sleep_for(nextInterval() / 2);
-            isShiftHeld = held;
         }
     };
     for (const char character : text) {
-        const std::optional<Stroke> stroke = strokeFor(character);
-        if (!stroke) {
+        const Stroke stroke = strokeFor(character);
+        if (stroke.keyCode == 0) {
             std::fprintf(stderr, "no key of the English layout types character %d\n", character);
             std::abort();
         }
-        holdShift(stroke->needsShift);
-        tap(stroke->keyCode);
+        holdShift(stroke.needsShift);
+        tap(stroke.keyCode);
     }
     holdShift(false);
 }
@@ -142,24 +116,19 @@ void Keyboard::doubleShift(unsigned keyCode) {
 }
 
 void Keyboard::controlWith(char character) {
-    const std::optional<Stroke> stroke = strokeFor(character);
     press(key::control);
-    tap(stroke ? stroke->keyCode : 0);
+    tap(strokeFor(character).keyCode);
     release(key::control);
-}
-
-void Keyboard::tapNamed(const char* keysymName) {
-    tap(XKeysymToKeycode(display_, XStringToKeysym(keysymName)));
 }
 
 void Keyboard::chord(const std::string& names) {
     const std::size_t plus = names.find('+');
+    const unsigned keyCode =
+        XKeysymToKeycode(display_, XStringToKeysym(names.substr(0, plus).c_str()));
     if (plus == std::string::npos) {
-        tapNamed(names.c_str());
+        tap(keyCode);
         return;
     }
-    const std::string modifier = names.substr(0, plus);
-    const unsigned keyCode = XKeysymToKeycode(display_, XStringToKeysym(modifier.c_str()));
     press(keyCode);
     chord(names.substr(plus + 1));
     release(keyCode);

@@ -49,8 +49,8 @@ public:
     void setSource(KeySource source) { source_ = source; }
     void setRhythm(Rhythm rhythm) { rhythm_ = rhythm; }
 
-    void press(unsigned keyCode);
-    void release(unsigned keyCode);
+    void press(unsigned keyCode) { post(keyCode, true); }
+    void release(unsigned keyCode) { post(keyCode, false); }
     /// Down, a part of the rhythm, up, the rest of the rhythm.
     void tap(unsigned keyCode);
     /// Taps the keys that type `text` in the English layout, Shift held where it takes Shift. '\b'
@@ -61,7 +61,7 @@ public:
     /// One key with Control held.
     void controlWith(char character);
     /// A key by its keysym name, for example "Left".
-    void tapNamed(const char* keysymName);
+    void tapNamed(const char* keysymName) { chord(keysymName); }
     /// Keys by their keysym names, the modifiers first: "Control_L+Shift_L+End".
     void chord(const std::string& names);
 

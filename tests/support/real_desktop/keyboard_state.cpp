@@ -5,29 +5,21 @@
 
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
-#include <array>
-#include <cstddef>
 #include <sstream>
 
 namespace kelvora::real {
 
 namespace {
 
-std::string layoutAt(Display* display, unsigned group) {
-    // Five strings, each ended by a zero: rules, model, layouts, variants, options.
-    const std::string names = rootStringProperty(display, "_XKB_RULES_NAMES");
-    std::istringstream fields(names);
-    std::string layouts;
-    for (int index = 0; index < 3; ++index) {
-        std::getline(fields, layouts, '\0');
+/// The part of a text at `index`, all the parts ended by `separator`.
+std::string partAt(const std::string& text, unsigned index, char separator) {
+    std::istringstream parts(text);
+    std::string part;
+    for (unsigned count = 0; count <= index; ++count) {
+        part.clear();
+        std::getline(parts, part, separator);
     }
-    std::istringstream list(layouts);
-    std::string name;
-    for (unsigned index = 0; index <= group; ++index) {
-        name.clear();
-        std::getline(list, name, ',');
-    }
-    return name;
+    return part;
 }
 
 XkbStateRec xkbState(Display* display) {
@@ -39,23 +31,21 @@ XkbStateRec xkbState(Display* display) {
 } // namespace
 
 std::string activeLayout(_XDisplay* display) {
-    return layoutAt(display, xkbState(display).group);
+    // Five strings, each ended by a zero: rules, model, layouts, variants, options.
+    const std::string layouts = partAt(rootStringProperty(display, "_XKB_RULES_NAMES"), 2, '\0');
+    return partAt(layouts, xkbState(display).group, ',');
 }
 
 KeyboardState readKeyboardState(_XDisplay* display) {
     KeyboardState result;
-    const XkbStateRec state = xkbState(display);
-    result.layout = layoutAt(display, state.group);
-    result.lockedModifiers = state.locked_mods;
+    result.layout = activeLayout(display);
+    result.lockedModifiers = xkbState(display).locked_mods;
 
-    std::array<char, 32> held{};
-    XQueryKeymap(display, held.data());
-    for (unsigned keyCode = 0; keyCode < 256; ++keyCode) {
-        const unsigned keysOfByte = static_cast<unsigned char>(held.at(keyCode / 8));
-        if ((keysOfByte >> (keyCode % 8) & 1U) != 0) {
+    char held[32] = {};
+    XQueryKeymap(display, held);
+    for (unsigned keyCode = 0; keyCode < 256; ++keyCode)
+        if (((static_cast<unsigned>(held[keyCode / 8]) >> (keyCode % 8)) & 1U) != 0)
             result.pressedKeys.push_back(keyCode);
-        }
-    }
 
     int first = 0;
     int last = 0;
@@ -64,8 +54,7 @@ KeyboardState readKeyboardState(_XDisplay* display) {
     const int keyCount = last - first + 1;
     KeySym* const symbols =
         XGetKeyboardMapping(display, static_cast<KeyCode>(first), keyCount, &symbolsPerKey);
-    const std::ptrdiff_t symbolCount = std::ptrdiff_t{keyCount} * symbolsPerKey;
-    result.keymap.assign(symbols, symbols + symbolCount);
+    result.keymap.assign(symbols, symbols + std::ptrdiff_t{keyCount} * symbolsPerKey);
     XFree(symbols);
     return result;
 }

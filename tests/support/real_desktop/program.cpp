@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
 
 namespace kelvora::real {
 
@@ -26,27 +25,20 @@ std::vector<std::string> command(const std::filesystem::path& executable, Progra
 
 } // namespace
 
-Program::Program(RealDesktop& desktop, const std::filesystem::path& executable, Start start)
-    : Program(desktop, executable, start, desktop.environment()) {}
-
 Program::Program(RealDesktop& desktop, const std::filesystem::path& executable, Start start,
-                 const Environment& environment)
+                 std::optional<Environment> environment)
     : logFile_(desktop.newFile("program-log")),
       process_(command(executable, start),
-               {.environment = withLog(environment), .outputFile = logFile_}) {
-    if (start == Start::asItIs) {
+               {.environment = withLog(environment.value_or(desktop.environment())),
+                .outputFile = logFile_}) {
+    if (start == Start::asItIs)
         return;
-    }
-    const bool isDecided = waitUntil([this] { return isListening() || !process_.isRunning(); },
-                                     defaultDeadline, std::chrono::microseconds(500));
-    if (!isDecided || !isListening()) {
+    static_cast<void>(waitUntil([this] { return isListening() || !process_.isRunning(); },
+                                defaultDeadline, std::chrono::microseconds(500)));
+    if (!isListening()) {
         std::fprintf(stderr, "the program does not listen:\n%s\n", log().c_str());
         std::abort();
     }
-}
-
-bool Program::logContains(const std::string& text) const {
-    return log().find(text) != std::string::npos;
 }
 
 } // namespace kelvora::real

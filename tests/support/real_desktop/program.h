@@ -5,6 +5,7 @@
 #include "tests/support/real_desktop/real_desktop.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace kelvora::real {
@@ -20,14 +21,15 @@ public:
 
     /// `environment` replaces the desktop's own.
     Program(RealDesktop& desktop, const std::filesystem::path& executable,
-            Start start = Start::waitUntilListening);
-    Program(RealDesktop& desktop, const std::filesystem::path& executable, Start start,
-            const Environment& environment);
+            Start start = Start::waitUntilListening,
+            std::optional<Environment> environment = std::nullopt);
 
     [[nodiscard]] bool isListening() const { return logContains("Listening for double-Shift"); }
     /// Everything that it has written to its standard output and error.
     [[nodiscard]] std::string log() const { return fileContent(logFile_); }
-    [[nodiscard]] bool logContains(const std::string& text) const;
+    [[nodiscard]] bool logContains(const std::string& text) const {
+        return log().find(text) != std::string::npos;
+    }
     [[nodiscard]] ChildProcess& process() { return process_; }
 
 private:

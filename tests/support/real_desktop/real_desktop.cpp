@@ -6,6 +6,7 @@
 #include "tests/support/real_desktop/windows.h"
 
 #include <X11/Xlib.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -59,12 +60,10 @@ RealDesktop::RealDesktop(const std::string& layouts) {
 
 RealDesktop::~RealDesktop() {
     keyboard_.reset();
-    if (display_ != nullptr) {
+    if (display_ != nullptr)
         XCloseDisplay(display_);
-    }
-    while (!services_.empty()) {
+    while (!services_.empty())
         services_.pop_back();
-    }
 }
 
 void RealDesktop::makeHome() {
@@ -91,11 +90,9 @@ void RealDesktop::makeHome() {
         {busVariable, "unix:path=" + (runtime / "bus").string()},
     };
     // How a build with sanitizers reports is for whoever runs the tests to say.
-    for (const char* name : {"ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"}) {
-        if (const char* const value = std::getenv(name)) {
+    for (const char* name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"})
+        if (const char* const value = std::getenv(name))
             environment_[name] = value;
-        }
-    }
     // The sequences that announce a paste would only be noise around the text.
     std::ofstream(home / ".inputrc") << "set enable-bracketed-paste off\n";
     // Text large enough to be read on a screenshot.
@@ -109,27 +106,25 @@ void RealDesktop::makeHome() {
         << "[text]\nfont=\"DejaVu Sans Mono,16,-1,5,50,0,0,0,0,0\"\n";
 }
 
-void RealDesktop::startBus() {
+void RealDesktop::startService(const std::vector<std::string>& command) {
     services_.push_back(std::make_unique<ChildProcess>(
-        std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                                 "--address=" + busAddress()},
-        ChildProcess::Options{.environment = environment_}));
+        command, ChildProcess::Options{.environment = environment_}));
+}
+
+void RealDesktop::startBus() {
+    startService(
+        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + busAddress()});
     const std::string socket = busAddress().substr(std::string("unix:path=").size());
     require(waitUntil([&] { return std::filesystem::exists(socket); }), "no session bus");
 }
 
 void RealDesktop::startWindowManager() {
-    services_.push_back(
-        std::make_unique<ChildProcess>(std::vector<std::string>{"openbox", "--sm-disable"},
-                                       ChildProcess::Options{.environment = environment_}));
+    startService({"openbox", "--sm-disable"});
     const Atom check = XInternAtom(display_, "_NET_SUPPORTING_WM_CHECK", False);
     const auto isThere = [&] {
         int count = 0;
         Atom* const properties = XListProperties(display_, DefaultRootWindow(display_), &count);
-        bool found = false;
-        for (int index = 0; index < count; ++index) {
-            found = found || properties[index] == check;
-        }
+        const bool found = std::find(properties, properties + count, check) != properties + count;
         XFree(properties);
         return found;
     };
@@ -137,9 +132,7 @@ void RealDesktop::startWindowManager() {
 }
 
 void RealDesktop::startAccessibility() {
-    services_.push_back(std::make_unique<ChildProcess>(
-        std::vector<std::string>{"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"},
-        ChildProcess::Options{.environment = environment_}));
+    startService({"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"});
     require(waitUntil([this] { return enableAccessibility(busAddress()); }),
             "no accessibility bus");
 }
@@ -152,9 +145,8 @@ void RealDesktop::setLayouts(const std::string& layouts, const std::string& opti
     // An empty option first takes the earlier ones away.
     std::vector<std::string> arguments{"setxkbmap", "-model",  "pc105", "-layout",
                                        layouts,     "-option", ""};
-    if (!option.empty()) {
+    if (!option.empty())
         arguments.insert(arguments.end(), {"-option", option});
-    }
     require(runTool(*this, arguments) == 0, "setxkbmap failed");
 }
 

@@ -59,6 +59,7 @@ private:
     static constexpr const char* busVariable = "DBUS_SESSION_BUS_ADDRESS";
 
     void makeHome();
+    void startService(const std::vector<std::string>& command);
     void startBus();
     void startWindowManager();
     void startAccessibility();

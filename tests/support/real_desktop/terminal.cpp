@@ -17,41 +17,21 @@ constexpr std::string_view prompt = "> ";
 
 std::vector<std::string> command(const std::string& geometry, const std::filesystem::path& input,
                                  const std::filesystem::path& output,
+                                 const std::filesystem::path& accepted,
                                  const std::filesystem::path& script) {
-    return {"xterm",
-            "-geometry",
-            geometry,
-            "-fa",
-            "DejaVu Sans Mono",
-            "-fs",
-            "16",
-            "-bg",
-            "white",
-            "-fg",
-            "black",
-            "-title",
-            "Terminal",
-            "-e",
-            "script",
-            "--quiet",
-            "--flush",
-            "--log-in",
-            input.string(),
-            "--log-out",
-            output.string(),
-            "--command",
-            "bash --norc " + script.string()};
-}
-
-std::filesystem::path writeShellScript(RealDesktop& desktop,
-                                       const std::filesystem::path& acceptedLog) {
-    std::filesystem::path script = desktop.newFile("line-editor.sh");
     // `read -e` is the shell's own line editor, and each line it accepts is kept as it got it.
     std::ofstream(script) << "while IFS= read -e -r -p '> ' line; do\n"
                              "    printf '%s\\n' \"$line\" >>'"
-                          << acceptedLog.string() << "'\n"
-                          << "done\n";
-    return script;
+                          << accepted.string() << "'\ndone\n";
+    std::istringstream options("-geometry " + geometry +
+                               " -fs 16 -bg white -fg black -title Terminal "
+                               "-e script --quiet --flush --log-in " +
+                               input.string() + " --log-out " + output.string() + " --command");
+    std::vector<std::string> words{"xterm", "-fa", "DejaVu Sans Mono"};
+    for (std::string word; options >> word;)
+        words.push_back(word);
+    words.push_back("bash --norc " + script.string());
+    return words;
 }
 
 // The first line is the recorder's own.
@@ -66,8 +46,9 @@ Terminal::Terminal(RealDesktop& desktop, const std::string& geometry)
     : desktop_(desktop), inputLog_(desktop.newFile("terminal-input")),
       outputLog_(desktop.newFile("terminal-output")),
       acceptedLog_(desktop.newFile("terminal-lines")),
-      process_(command(geometry, inputLog_, outputLog_, writeShellScript(desktop, acceptedLog_)),
-               {.environment = desktop.environment()}) {
+      process_(
+          command(geometry, inputLog_, outputLog_, acceptedLog_, desktop.newFile("line-editor.sh")),
+          {.environment = desktop.environment()}) {
     const bool ready = waitUntil([this] { return isPromptEmpty(); }) && waitUntil([this] {
                            window_ =
                                windowOfProcess(desktop_.display(), process_.pid()).value_or(0);
@@ -90,9 +71,8 @@ std::string Terminal::text() {
 
 bool Terminal::beginFreshLine() {
     lockLayout(desktop_.display(), 0);
-    if (!activateWindow(desktop_.display(), window_)) {
+    if (!activateWindow(desktop_.display(), window_))
         return false;
-    }
     desktop_.keyboard().controlWith('e');
     desktop_.keyboard().controlWith('u');
     return waitUntil([this] { return isPromptEmpty(); });
@@ -105,9 +85,8 @@ std::string Terminal::receivedBytes() const {
 std::vector<std::string> Terminal::acceptedLines() const {
     std::vector<std::string> lines;
     std::istringstream content(fileContent(acceptedLog_));
-    for (std::string line; std::getline(content, line);) {
+    for (std::string line; std::getline(content, line);)
         lines.push_back(line);
-    }
     return lines;
 }
 

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/real_desktop/wait_until.h"
 #include "tests/support/real_desktop/windows.h"
 
-#include <chrono>
 #include <string>
 
 namespace kelvora::real {
-
-class RealDesktop;
 
 /// A real program with a text that the keyboard goes to.
 class TextApplication {
@@ -24,8 +22,12 @@ public:
     [[nodiscard]] virtual WindowId window() const = 0;
 
     /// Waits until the text is `expected` and has stayed so for a while; false when it is not.
-    [[nodiscard]] bool showsText(const std::string& expected,
-                                 std::chrono::milliseconds settle = std::chrono::milliseconds(250));
+    [[nodiscard]] bool
+    showsText(const std::string& expected,
+              std::chrono::milliseconds settle = std::chrono::milliseconds(250)) {
+        const auto isShown = [&] { return text() == expected; };
+        return waitUntil(isShown, std::chrono::seconds(4)) && staysTrue(isShown, settle);
+    }
 };
 
 } // namespace kelvora::real

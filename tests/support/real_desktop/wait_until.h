@@ -15,9 +15,8 @@ template <typename Condition>
                              std::chrono::microseconds interval = std::chrono::milliseconds(3)) {
     const auto end = std::chrono::steady_clock::now() + deadline;
     while (!condition()) {
-        if (std::chrono::steady_clock::now() >= end) {
+        if (std::chrono::steady_clock::now() >= end)
             return false;
-        }
         std::this_thread::sleep_for(interval);
     }
     return true;

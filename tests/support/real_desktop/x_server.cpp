@@ -29,10 +29,8 @@ XServer::XServer() {
     std::string number;
     char character = 0;
     pollfd readable{.fd = ends[0], .events = POLLIN, .revents = 0};
-    while (poll(&readable, 1, 20'000) > 0 && read(ends[0], &character, 1) == 1 &&
-           character != '\n') {
+    while (poll(&readable, 1, 20'000) > 0 && read(ends[0], &character, 1) == 1 && character != '\n')
         number.push_back(character);
-    }
     close(ends[0]);
     if (number.empty() || character != '\n') {
         std::fprintf(stderr, "Xvfb does not start\n");
