@@ -52,19 +52,25 @@ TEST_F(PersistentWindowTest, KeyEquivalentsGoToTheFocusedItem) {
         Qt::KeyboardModifiers modifiers;
         bool isPerformed;
         const char* text;
+        const char* clipboard;
     } steps[] = {
-        {Qt::Key_A, control, true, "hello"}, {Qt::Key_X, {}, false, "hello"},
-        {Qt::Key_X, both, false, "hello"},   {Qt::Key_B, control, false, "hello"},
-        {Qt::Key_C, control, true, "hello"}, {Qt::Key_X, control, true, ""},
-        {Qt::Key_V, control, true, "hello"}, {Qt::Key_V, control, true, "hellohello"},
-        {Qt::Key_Z, control, true, "hello"}, {Qt::Key_Z, both, true, "hellohello"},
+        {Qt::Key_A, control, true, "hello", "other"},
+        {Qt::Key_X, {}, false, "hello", "other"},
+        {Qt::Key_X, both, false, "hello", "other"},
+        {Qt::Key_B, control, false, "hello", "other"},
+        {Qt::Key_C, control, true, "hello", "hello"},
+        {Qt::Key_X, control, true, "", "hello"},
+        {Qt::Key_V, control, true, "hello", "hello"},
+        {Qt::Key_V, control, true, "hellohello", "hello"},
+        {Qt::Key_Z, control, true, "hello", "hello"},
+        {Qt::Key_Z, both, true, "hellohello", "hello"},
     };
     for (const auto& step : steps) {
         SCOPED_TRACE(static_cast<char>(step.key));
         EXPECT_EQ(press(step.key, step.modifiers), step.isPerformed);
         EXPECT_EQ(text(), step.text);
+        EXPECT_EQ(QGuiApplication::clipboard()->text(), step.clipboard);
     }
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), "hello");
 }
 
 TEST_F(PersistentWindowTest, ActionsGoToTheNearestItemThatCan) {
@@ -74,6 +80,17 @@ TEST_F(PersistentWindowTest, ActionsGoToTheNearestItemThatCan) {
     EXPECT_TRUE(window.perform("redo"));
     EXPECT_EQ(window.rootObject()->property("asked"), "undo;redo;");
     EXPECT_FALSE(window.perform("paste")) << "nobody there can";
+    EXPECT_EQ(text(), "hello");
+}
+
+TEST_F(PersistentWindowTest, ClosingOnlyHidesIt) {
+    window.show();
+    window.setPosition(40, 50);
+    window.close();
+    EXPECT_FALSE(window.isVisible());
+    window.show();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(window.position(), QPoint(40, 50));
     EXPECT_EQ(text(), "hello");
 }
 
