@@ -78,7 +78,7 @@ int main(int argumentCount, char** argumentValues) {
     const std::span<char* const> arguments(argumentValues, static_cast<std::size_t>(argumentCount));
     const auto words = static_cast<int>(numberOr(2000, arguments, 1));
     const std::uint32_t seed = numberOr(1, arguments, 2);
-    constexpr int warmUp = 40; // words until everything that is kept is there
+    constexpr int warmUp = 100; // words until everything that is made at its first use is there
 
     real::RealDesktop desktop;
     real::Program program(desktop, KELVORA_PROGRAM);
