@@ -84,20 +84,23 @@ TEST(HostileApplications, GetTheTextConvertedOrAsItWas) {
 }
 
 TEST(HostileApplications, AreCountedInAsTheyCount) {
+    std::u16string families;
+    for (int i = 0; i < 20; ++i)
+        families += u"👩‍👩‍👧 ";
     for (const bool countsUnits : {false, true}) {
         SCOPED_TRACE(countsUnits);
         Hostile application({.countsUnits = countsUnits});
-        application.setText(u"😀é two 😀 ghbdtn");
+        application.setText(u"😀é two " + families + u"ghbdtn");
         application.select(countsUnits ? 4 : 3, countsUnits ? 7 : 6);
         EXPECT_EQ(application.set(u"ф👍🏽"), AccessibilityError::success);
-        EXPECT_EQ(application.text(), u"😀é ф👍🏽 😀 ghbdtn");
+        const std::u16string whole = u"😀é ф👍🏽 " + families + u"ghbdtn";
+        EXPECT_EQ(application.text(), whole);
 
-        const int caret = countsUnits ? 13 : 9;
+        const int caret = countsUnits ? 190 : 127;
         application.select(caret, caret);
-        const std::u16string whole = application.text();
         CharacterSegmenter segmenter(whole);
         std::optional<TextStretch> stretch;
-        for (std::size_t reach = 1; reach <= 12; ++reach) {
+        for (std::size_t reach = 1; reach <= 16; ++reach) {
             stretch = application.element.textAroundCaret(reach);
             ASSERT_TRUE(stretch);
             EXPECT_TRUE(segmenter.isBoundary(whole.find(stretch->text))) << "no half characters";
@@ -109,7 +112,7 @@ TEST(HostileApplications, AreCountedInAsTheyCount) {
         };
         EXPECT_EQ(replace(u"привет"), AccessibilityError::success);
         EXPECT_EQ(replace(u"привет"), AccessibilityError::failure) << "it is another text now";
-        EXPECT_EQ(application.text(), u"😀é ф👍🏽 😀 привет");
+        EXPECT_EQ(application.text(), u"😀é ф👍🏽 " + families + u"привет");
     }
 }
 

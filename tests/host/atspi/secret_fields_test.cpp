@@ -62,6 +62,7 @@ struct Toolkit {
     const char* name;
     std::vector<std::string> command; ///< with a plain field focused
     int tabs = 1;                     ///< from it to the password field
+    friend void PrintTo(const Toolkit& toolkit, std::ostream* stream) { *stream << toolkit.name; }
 };
 
 const Toolkit toolkits[] = {

@@ -274,6 +274,10 @@ TEST(UpdatesOverHttps, ABadPackageReachesNoInstaller) {
              std::ofstream(file + "-") << "the package";
              fs::rename(file + "-", file);
          })},
+        {"replaced by a link", UpdateNotice::damaged, meddling([](const std::string& file) {
+             fs::rename(file, file + ".old.deb");
+             fs::create_symlink(file + ".old.deb", file);
+         })},
         {"written into", UpdateNotice::damaged, meddling([](const std::string& file) {
              std::fstream(file, std::ios::in | std::ios::out) << "THE";
          })},

@@ -21,6 +21,7 @@ using real::KeySource;
 
 struct Case {
     const char *name, *steps, *text, *otherText, *recorded; ///< the last three: regular expressions
+    friend void PrintTo(const Case& row, std::ostream* stream) { *stream << row.name; }
 };
 
 /// A person and a program at one keyboard. Steps are words: "q" and "w" are keys struck, "+w" and
