@@ -54,6 +54,8 @@ bool measureLatency(RealDesktop& desktop, TextApplication& application, int runs
             if (!application.beginFreshLine()) {
                 return false;
             }
+            // What is typed sooner waits until it is known where the focus went.
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
             desktop.keyboard().type(word.typed);
             if (!application.showsText(word.typed, std::chrono::milliseconds(30))) {
                 return false;
