@@ -43,6 +43,7 @@ namespace {
 using namespace kelvora;
 
 constexpr std::string_view category = "Launch"; // of the log lines
+constexpr const char* serverIsGone = "The X server has gone away.";
 constexpr const char* waylandLimit =
     "This is a Wayland session: only X11 windows are served, Wayland windows are not yet.";
 
@@ -86,6 +87,17 @@ std::string updateConfiguration(const std::filesystem::path& program) {
     return (directory / "updates.json").lexically_normal().string();
 }
 
+/// Set while the loop runs; nothing of this program calls exit() then.
+LogSink* runningLog = nullptr;
+
+/// The toolkit ends the process by itself when it is the first to notice that the server is gone.
+void onExit() {
+    if (runningLog == nullptr)
+        return;
+    runningLog->write(LogLevel::error, category, serverIsGone);
+    std::_Exit(EX_UNAVAILABLE);
+}
+
 bool isLoginLaunch(int argc, char** argv) {
     return std::any_of(argv + 1, argv + argc,
                        [](const char* argument) { return argument == loginLaunchArgument; });
@@ -123,7 +135,7 @@ int main(int argc, char** argv) {
     QtEventLoop loop;
     SecureEntry secureEntry;
     const auto services = X11Services::create(display, loop, secureEntry, [&log] {
-        log.write(LogLevel::error, category, "The X server has gone away.");
+        log.write(LogLevel::error, category, serverIsGone);
         QCoreApplication::exit(EX_UNAVAILABLE);
     });
     if (!services) {
@@ -189,5 +201,9 @@ int main(int argc, char** argv) {
             log.write(LogLevel::info, "Status", *model.statusMessage());
     });
     delegate.launch();
-    return QApplication::exec();
+    runningLog = &log;
+    std::atexit(onExit);
+    const int exitCode = QApplication::exec();
+    runningLog = nullptr;
+    return exitCode;
 }

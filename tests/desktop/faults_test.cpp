@@ -17,7 +17,7 @@ using testing::Gt;
 using testing::Lt;
 using testing::Optional;
 
-constexpr const char* aboutTheDisplay = "[Dd]isplay|DISPLAY|X(11)? server";
+constexpr const char* aboutTheDisplay = "[Dd]isplay|DISPLAY|X server";
 
 // 128 and more would be a signal's.
 const auto failureExitCode = Optional(AllOf(Gt(0), Lt(126)));
