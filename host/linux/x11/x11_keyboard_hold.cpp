@@ -67,15 +67,15 @@ X11KeyboardHold::~X11KeyboardHold() {
             copyCoreKeymap(poster_.display_.c_str(), grabbed_);
         poster_.hasLent_ = true; // what the user lets go of from here on waits for the lending
         // Between the last look and the end of the grabs only a keyboard itself can press a key, in
-        // the time of one answer; another program's keys wait.
+        // the time of one answer; another program's keys wait, until the next key is read right.
         unmarked_.grabServer();
         replayHeldEvents();
         ungrabKeyboards();
-        unmarked_.ungrabServer();
         replayHeldEvents();
-        unmarked_.synchronize(); // before the keyboard is changed over the other connection
         lendToCarrier();
         returnToUserKeyboard();
+        unmarked_.ungrabServer();
+        unmarked_.synchronize();
     } else {
         ungrabKeyboards();
     }
@@ -120,9 +120,9 @@ void X11KeyboardHold::grabKeyboards() {
 void X11KeyboardHold::returnToUserKeyboard() {
     if (!userKeyboard_)
         return;
-    marked_.setCarrier(*userKeyboard_);
-    marked_.useCarrier();
-    marked_.announceState();
+    unmarked_.setCarrier(*userKeyboard_);
+    unmarked_.useCarrier();
+    unmarked_.announceState();
 }
 
 bool X11KeyboardHold::grab(std::uint16_t deviceId) {
