@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // A window with one field of every kind, in Qt 6.
-//     fields_qt6 entry|text|password|readonly
-// The named field has the focus, and what it holds stands in the window's title.
+//     fields_qt6 entry|text|password|readonly [list]
+// The named field has the focus, and what it holds stands in the window's title. Beside it there may
+// be a list whose current row goes on with every change of it.
 #include "tests/applications/title_text.h"
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
@@ -36,6 +38,13 @@ int main(int argc, char** argv) {
         QObject::connect(field, &std::decay_t<decltype(*field)>::textChanged, &window, show);
         show();
         field->setFocus();
+        if (argc > 2) {
+            auto* const list = new QListWidget;
+            list->addItems({"one", "two"});
+            layout.addWidget(list);
+            QObject::connect(field, &std::decay_t<decltype(*field)>::textChanged, list,
+                             [list] { list->setCurrentRow(list->currentRow() == 0 ? 1 : 0); });
+        }
     };
     add("entry", entry, &QLineEdit::text);
     add("password", password, &QLineEdit::text);

@@ -9,7 +9,10 @@ void AtspiFocusTracker::windowActivated(const AtspiReference& window) {
 }
 
 void AtspiFocusTracker::windowFound(const AtspiReference& window) {
-    applications_[window.busName].activeWindow = window.path;
+    Application& application = applications_[window.busName];
+    if (application.activeWindow != window.path)
+        application.leftText.reset();
+    application.activeWindow = window.path;
     activate(window.busName);
 }
 
@@ -21,6 +24,7 @@ void AtspiFocusTracker::windowDeactivated(const AtspiReference& window) {
         return;
     application.activeWindow.clear();
     application.focus.reset();
+    application.leftText.reset();
     if (active_ == window.busName)
         deactivate();
 }
@@ -28,6 +32,7 @@ void AtspiFocusTracker::windowDeactivated(const AtspiReference& window) {
 void AtspiFocusTracker::focusGained(const AtspiReference& object, AtspiObjectKind kind) {
     Application& application = applications_[object.busName];
     application.focus = Focus{object, kind};
+    application.leftText.reset();
     application.focusedAt = ++lastEvent_;
     // An application that tells of its windows may also focus something in one that is not active.
     if (active_.empty() && !application.tellsOfWindows)
@@ -35,8 +40,18 @@ void AtspiFocusTracker::focusGained(const AtspiReference& object, AtspiObjectKin
 }
 
 void AtspiFocusTracker::focusLost(const AtspiReference& object) {
-    if (hasFocus(object))
-        applications_[object.busName].focus.reset();
+    if (!hasFocus(object))
+        return;
+    Application& application = applications_[object.busName];
+    if (application.focus->kind.isText)
+        application.leftText = application.focus;
+    application.focus.reset();
+}
+
+void AtspiFocusTracker::returnToText(const std::string& busName) {
+    const auto found = applications_.find(busName);
+    if (found != applications_.end() && found->second.leftText)
+        focusGained(found->second.leftText->object, found->second.leftText->kind);
 }
 
 void AtspiFocusTracker::applicationGone(const std::string& busName) {
@@ -67,11 +82,14 @@ bool AtspiFocusTracker::hasAnyFocus(const std::string& busName) const {
     return found != applications_.end() && found->second.focus.has_value();
 }
 
-std::optional<AtspiReference> AtspiFocusTracker::focusedText(const std::string& busName) const {
+std::optional<AtspiReference> AtspiFocusTracker::lastText(const std::string& busName) const {
     const auto found = applications_.find(busName);
-    if (found == applications_.end() || !found->second.focus || !found->second.focus->kind.isText)
+    if (found == applications_.end())
         return std::nullopt;
-    return found->second.focus->object;
+    const Application& application = found->second;
+    if (application.focus && application.focus->kind.isText)
+        return application.focus->object;
+    return application.leftText ? std::optional(application.leftText->object) : std::nullopt;
 }
 
 std::optional<AtspiReference> AtspiFocusTracker::focusedElement(std::int32_t process) const {

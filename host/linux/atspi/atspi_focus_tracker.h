@@ -27,6 +27,8 @@ public:
     void windowDeactivated(const AtspiReference& window);
     void focusGained(const AtspiReference& object, AtspiObjectKind kind);
     void focusLost(const AtspiReference& object);
+    /// The application's last text has the focus after all.
+    void returnToText(const std::string& busName);
     void applicationGone(const std::string& busName);
     void setProcess(const std::string& busName, std::int32_t processIdentifier);
 
@@ -36,8 +38,9 @@ public:
     [[nodiscard]] bool isActive(const std::string& busName) const { return busName == active_; }
     [[nodiscard]] bool hasFocus(const AtspiReference& object) const;
     [[nodiscard]] bool hasAnyFocus(const std::string& busName) const;
-    /// The text that has the focus in the application.
-    [[nodiscard]] std::optional<AtspiReference> focusedText(const std::string& busName) const;
+    /// The text that has the focus in the application's active window, or is said to have lost it
+    /// last, with nothing focused since.
+    [[nodiscard]] std::optional<AtspiReference> lastText(const std::string& busName) const;
 
     [[nodiscard]] std::optional<AtspiReference> focusedElement(std::int32_t process) const;
     [[nodiscard]] std::optional<AtspiReference> focusedElement() const;
@@ -56,6 +59,7 @@ private:
         bool tellsOfWindows = false; ///< it has told of one at some time
         std::string activeWindow;    ///< path; empty when none is
         std::optional<Focus> focus;
+        std::optional<Focus> leftText; ///< it was the focus before that was lost
         std::uint64_t focusedAt = 0; ///< in the order of what happened
     };
 

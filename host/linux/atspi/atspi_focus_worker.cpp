@@ -182,11 +182,7 @@ void AtspiFocusWorker::handle(const AtspiFocusNotice& notice) {
 
 void AtspiFocusWorker::handleFocus(const AtspiReference& object) {
     if (!tracker_.isActive(object.busName)) {
-        std::vector<AtspiReference>& told = told_[object.busName];
-        std::erase(told, object);
-        if (told.size() >= mostTold)
-            told.erase(told.begin());
-        told.push_back(object);
+        remember({Kind::focusGained, object});
         const std::string before = tracker_.active();
         {
             const std::lock_guard lock(mutex_);
@@ -203,8 +199,8 @@ void AtspiFocusWorker::handleFocus(const AtspiReference& object) {
 }
 
 void AtspiFocusWorker::handleLoss(const AtspiReference& object) {
-    if (const auto told = told_.find(object.busName); told != told_.end())
-        std::erase(told->second, object);
+    if (!tracker_.isActive(object.busName))
+        remember({Kind::focusLost, object});
     if (unanswered_ && unanswered_->object == object)
         giveUpQuestion();
     {
@@ -214,6 +210,13 @@ void AtspiFocusWorker::handleLoss(const AtspiReference& object) {
     // Most often another object gains it at once.
     if (tracker_.isActive(object.busName))
         lossEnd_ = Clock::now() + silenceAfterLoss;
+}
+
+void AtspiFocusWorker::remember(AtspiFocusNotice notice) {
+    std::vector<AtspiFocusNotice>& told = told_[notice.object.busName];
+    if (told.size() >= mostTold)
+        told.erase(told.begin());
+    told.push_back(std::move(notice));
 }
 
 void AtspiFocusWorker::handleWindow(const AtspiFocusNotice& notice) {
@@ -255,8 +258,8 @@ void AtspiFocusWorker::followActive() {
     const auto told = told_.extract(tracker_.active());
     if (told.empty())
         return;
-    for (const AtspiReference& object : told.mapped())
-        learnFocus(object, 0);
+    for (const AtspiFocusNotice& notice : told.mapped())
+        handle(notice);
 }
 
 void AtspiFocusWorker::giveUpQuestion() {
@@ -276,8 +279,9 @@ void AtspiFocusWorker::learnFocus(const AtspiReference& object, int attempts) {
     const BusReply<AtspiObjectKind> kind = askKind(bus(), object);
     if (isWithoutAnswer(kind.error))
         return;
-    // Windows, pages and tabs are focused together with the text inside them.
-    const std::optional<AtspiReference> text = tracker_.focusedText(object.busName);
+    // Windows, pages and tabs are focused together with the text inside them. Lists that follow the
+    // text beside them take its focus in their toolkit's notices, and the text does not tell again.
+    const std::optional<AtspiReference> text = tracker_.lastText(object.busName);
     bool isTextFocused = false;
     if (!kind.value.isText && !kind.value.isSecret && text && *text != object) {
         const BusReply<bool> answer = askIsFocused(bus(), *text);
@@ -286,9 +290,12 @@ void AtspiFocusWorker::learnFocus(const AtspiReference& object, int attempts) {
     if (kind.error == BusError::gone)
         giveUpQuestion();
     unanswered_.reset();
-    if (!isTextFocused) {
+    {
         const std::lock_guard lock(mutex_);
-        tracker_.focusGained(object, kind.value);
+        if (isTextFocused)
+            tracker_.returnToText(object.busName);
+        else
+            tracker_.focusGained(object, kind.value);
     }
     reportFocus();
 }

@@ -67,6 +67,7 @@ private:
     void handle(const AtspiFocusNotice& notice);
     void handleFocus(const AtspiReference& object);
     void handleLoss(const AtspiReference& object);
+    void remember(AtspiFocusNotice notice);
     void handleWindow(const AtspiFocusNotice& notice);
     /// Asks what the application that has just become active has told before.
     void followActive();
@@ -100,9 +101,9 @@ private:
     std::optional<Question> silentWindow_;
     std::optional<AtspiFocusSearch> search_; ///< of the silent window
     AtspiNewcomers newcomers_;
-    /// By bus name, what other applications have told of their focus last. They are asked what it
-    /// is when they become active.
-    std::map<std::string, std::vector<AtspiReference>> told_;
+    /// By bus name, what other applications have told of their focus last. It is handled when they
+    /// become active.
+    std::map<std::string, std::vector<AtspiFocusNotice>> told_;
     std::optional<Clock::time_point> confirmAt_;
     /// When the active application has had no focus for long enough to say so.
     std::optional<Clock::time_point> lossEnd_;

@@ -181,6 +181,20 @@ TEST_F(SecretFocus, IsFoundFromBeforeTheStartAndPastAnApplicationThatHangs) {
     EXPECT_TRUE(becomes(FocusSecrecy::ordinary));
 }
 
+TEST_F(SecretFocus, IsNotTakenByAListThatFollowsTheField) {
+    follow();
+    const auto program = desktop_.start({KELVORA_FIELDS_QT6, "password", "list"});
+    ASSERT_TRUE(isFollowed(*program));
+    ASSERT_TRUE(becomes(FocusSecrecy::secret));
+    const auto field = follower_->focusedElement();
+    reports_.clear();
+    desktop_.keyboard().type("hide");
+    ASSERT_TRUE(becomes([&] { return reports_.size() >= 4; })) << "the list said nothing";
+    EXPECT_TRUE(becomes(FocusSecrecy::secret));
+    EXPECT_EQ(follower_->focusedElement(), field);
+    EXPECT_EQ(std::ranges::count(reports_, FocusSecrecy::ordinary), 0);
+}
+
 TEST_F(SecretFocus, OutlivesTheBus) {
     follow();
     const auto before = desktop_.start({KELVORA_FIELDS_GTK3, "entry"});
