@@ -64,6 +64,13 @@ private:
     std::size_t length_ = 0;
 };
 
+/// What a key is to a compose sequence (dead keys, Compose).
+enum class Composition {
+    none,
+    underWay, ///< the sequence goes on: its text comes with the last key of it
+    broken,   ///< a text came or ended that applications make different things of
+};
+
 /// One keyboard or mouse-button event, as an event tap delivers it and as an event poster takes it.
 struct InputEvent {
     EventType type = EventType::keyDown;
@@ -77,6 +84,8 @@ struct InputEvent {
     /// What the key types; from a tap at most 8 units. Empty for dead keys and for keys that type
     /// nothing.
     EventText text{};
+    /// Of a key that goes down; `none` where nobody follows it.
+    Composition composition = Composition::none;
 
     friend bool operator==(const InputEvent&, const InputEvent&) = default;
 };

@@ -4,8 +4,10 @@
 #include "app/conversion/keyboard_guard.h"
 #include "app/io/event_posting.h"
 #include "app/io/logger.h"
+#include "core/text/character_class.h"
 #include "core/text/characters.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <utility>
@@ -25,6 +27,20 @@ struct TypedWord {
     std::u16string text; ///< all of the buffer, as it was converted
     TypedWordConversion conversion;
 };
+
+/// Applications differ in how much of some characters one Backspace erases.
+bool isErasedByBackspaces(std::u16string_view text, std::int64_t characters) {
+    CharacterSegmenter segmenter(text);
+    std::size_t end = text.size();
+    for (; characters > 0 && end > 0; --characters) {
+        const std::size_t begin = segmenter.previous(end);
+        if (!isErasedAtOnce(text.substr(begin, end - begin))) {
+            return false;
+        }
+        end = begin;
+    }
+    return true;
+}
 
 /// What was typed between the trigger and now: the end of `text`, or nothing when that is not what
 /// happened since.
@@ -65,6 +81,9 @@ std::optional<TypedWord> readTypedWord(const ConversionRequest& request) {
         conversion->deleteCount += static_cast<std::int64_t>(characterCount(later));
         conversion->insertion += reread;
         conversion->bufferAfter += reread;
+    }
+    if (!isErasedByBackspaces(text, conversion->deleteCount)) {
+        return std::nullopt;
     }
     return TypedWord{std::move(text), std::move(*conversion)};
 }

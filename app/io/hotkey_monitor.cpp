@@ -2,6 +2,7 @@
 #include "app/io/hotkey_monitor.h"
 
 #include "app/io/system_event_poster.h"
+#include "core/text/character_class.h"
 
 #include <algorithm>
 #include <array>
@@ -71,7 +72,7 @@ void HotkeyMonitor::stop() {
     localMonitor_.reset();
     interpreter_.reset();
     detector_.reset();
-    typedText_->reset();
+    forgetTypedText();
     textAtTrigger_.reset();
 }
 
@@ -121,7 +122,7 @@ void HotkeyMonitor::handleTapEvent(const InputEvent& event) {
     case EventType::leftMouseDown:
     case EventType::rightMouseDown:
     case EventType::otherMouseDown:
-        typedText_->reset();
+        forgetTypedText();
         if (onMouseDown) {
             onMouseDown();
         }
@@ -152,9 +153,21 @@ void HotkeyMonitor::handleOnMainThread(const InputEvent& event) {
     });
 }
 
+void HotkeyMonitor::forgetTypedText() {
+    typedText_->reset();
+    isComposing_ = false;
+    isWordLost_ = false;
+}
+
 void HotkeyMonitor::trackTyping(const InputEvent& event) {
+    isComposing_ = event.composition == Composition::underWay;
     if ((event.flags & shortcutModifiers) != 0 || movesCaret(event.keyCode)) {
+        forgetTypedText();
+    } else if (event.composition == Composition::broken) {
         typedText_->reset();
+        isWordLost_ = true;
+    } else if (isComposing_ || isWithinLostWord(event)) {
+        return;
     } else if (event.keyCode == keyCode::backspace) {
         if ((event.flags & eventFlag::option) != 0) {
             typedText_->reset();
@@ -164,6 +177,12 @@ void HotkeyMonitor::trackTyping(const InputEvent& event) {
     } else {
         typedText_->record(event.text.view().substr(0, maximumKeyText));
     }
+}
+
+bool HotkeyMonitor::isWithinLostWord(const InputEvent& event) {
+    const std::u16string_view text = event.text.view();
+    isWordLost_ = isWordLost_ && (text.empty() || !isWhitespace(text));
+    return isWordLost_;
 }
 
 void HotkeyMonitor::handle(const InputEvent& event) {
@@ -196,6 +215,10 @@ void HotkeyMonitor::handleFlagsChanged(const InputEvent& event) {
 }
 
 void HotkeyMonitor::postTrigger() {
+    if (isComposing_) {
+        // The next Backspace would be for what is shown of the sequence.
+        typedText_->reset();
+    }
     textAtTrigger_ = typedText_->text();
     dispatch_.postToMain([weak = self_.handle()] {
         const HotkeyMonitor* monitor = weak.get();

@@ -56,6 +56,8 @@ public:
     [[nodiscard]] std::optional<std::u16string> takeTextAtTrigger() {
         return std::exchange(textAtTrigger_, std::nullopt);
     }
+    /// What was typed before does not stand before the caret any more.
+    void forgetTypedText();
     [[nodiscard]] DoubleShiftDetector& detector() { return detector_; }
     [[nodiscard]] ShiftEventInterpreter& interpreter() { return interpreter_; }
 
@@ -65,6 +67,7 @@ private:
     void handleTapEvent(const InputEvent& event);
     void handleOnMainThread(const InputEvent& event);
     void trackTyping(const InputEvent& event);
+    [[nodiscard]] bool isWithinLostWord(const InputEvent& event);
     void handle(const InputEvent& event);
     void handleFlagsChanged(const InputEvent& event);
     void postTrigger();
@@ -74,6 +77,8 @@ private:
     Logger logger_;
     std::shared_ptr<TypedTextBuffer> typedText_ = std::make_shared<TypedTextBuffer>();
     std::optional<std::u16string> textAtTrigger_;
+    bool isComposing_ = false; ///< the application shows a text that is not typed yet
+    bool isWordLost_ = false;  ///< the word at the caret has characters that are not known
     DoubleShiftDetector detector_{0.5};
     ShiftEventInterpreter interpreter_;
     std::unique_ptr<EventTap> eventTap_;

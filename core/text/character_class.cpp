@@ -2,6 +2,7 @@
 #include "core/text/character_class.h"
 
 #include <unicode/uchar.h>
+#include <unicode/uscript.h>
 
 #include <cstddef>
 
@@ -51,6 +52,22 @@ bool isNumber(std::u16string_view character) {
 bool isWhitespace(std::u16string_view character) {
     // No white space lies beyond the Basic Multilingual Plane.
     return !character.empty() && firstHas(character, CodeUnitTrait::whitespace);
+}
+
+bool isErasedAtOnce(std::u16string_view character) {
+    if (character.empty() || decodeScalar(character, 0).length == character.size()) {
+        return true;
+    }
+    UErrorCode error = U_ZERO_ERROR;
+    switch (uscript_getScript(firstScalar(character), &error)) {
+    case USCRIPT_LATIN:
+    case USCRIPT_CYRILLIC:
+    case USCRIPT_GREEK:
+    case USCRIPT_HANGUL:
+        return true;
+    default:
+        return false;
+    }
 }
 
 bool isLineBreak(std::u16string_view character) {

@@ -16,6 +16,10 @@ namespace kelvora {
 /// Unicode property White_Space.
 [[nodiscard]] bool isWhitespace(std::u16string_view character);
 
+/// One Backspace erases all of it in every toolkit: a single scalar, or one with marks in a script
+/// (Latin, Cyrillic, Greek, Hangul) whose letters are not taken apart again.
+[[nodiscard]] bool isErasedAtOnce(std::u16string_view character);
+
 /// Starts with LF, VT, FF, CR, NEL, U+2028 or U+2029; CR LF counts by its CR.
 [[nodiscard]] bool isLineBreak(std::u16string_view character);
 

@@ -6,8 +6,10 @@
 
 #include <xkbcommon/xkbcommon-keysyms.h>
 
+#include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace kelvora {
 namespace {
@@ -117,9 +119,30 @@ std::optional<KeyCode> functionKey(xkb_keysym_t keysym) {
     }
 }
 
-/// Volume, brightness, media, power: the vendor keysyms, none of which types or moves anything.
+/// Sound, screen, power, radio: what the desktop does itself. Other keys of the same block act on
+/// the application (Back, Paste, Close) or bring up another one.
 constexpr bool isDesktopKey(xkb_keysym_t keysym) {
-    return keysym >= 0x10080001 && keysym <= 0x1008FFFF;
+    constexpr std::pair<xkb_keysym_t, xkb_keysym_t> ranges[]{
+        {XKB_KEY_XF86MonBrightnessUp, XKB_KEY_XF86MonBrightnessCycle}, // and the keyboard's light
+        {XKB_KEY_XF86Standby, XKB_KEY_XF86AudioNext},
+        {XKB_KEY_XF86AudioRecord, XKB_KEY_XF86AudioRecord},
+        {XKB_KEY_XF86PowerDown, XKB_KEY_XF86ContrastAdjust},
+        {XKB_KEY_XF86PowerOff,
+         XKB_KEY_XF86ScreenSaver}, // WakeUp is what some keyboards send for Fn
+        {XKB_KEY_XF86Sleep, XKB_KEY_XF86Sleep},
+        {XKB_KEY_XF86AudioPause, XKB_KEY_XF86AudioPause},
+        {XKB_KEY_XF86BrightnessAdjust, XKB_KEY_XF86BrightnessAdjust},
+        {XKB_KEY_XF86AudioRewind, XKB_KEY_XF86AudioRewind},
+        {XKB_KEY_XF86Display, XKB_KEY_XF86Display},
+        {XKB_KEY_XF86Battery, XKB_KEY_XF86FrameForward}, // radios, then the player's controls
+        {XKB_KEY_XF86Suspend, XKB_KEY_XF86AudioMicMute}, // and the touchpad
+        {XKB_KEY_XF86WWAN, XKB_KEY_XF86RotationLockToggle},
+        {XKB_KEY_XF86Next_VMode, XKB_KEY_XF86Prev_VMode},
+        {XKB_KEY_XF86BrightnessAuto, XKB_KEY_XF86DisplayOff},
+    };
+    return std::ranges::any_of(ranges, [keysym](const auto& range) {
+        return keysym >= range.first && keysym <= range.second;
+    });
 }
 
 std::string_view keyNameOf(xkb_keymap* keymap, xkb_keycode_t keycode) {
@@ -189,6 +212,7 @@ void KeyInterpreter::setKeymap(xkb_keymap* keymap) {
 
 void KeyInterpreter::reset() {
     held_.fill(0);
+    isComposing_ = false;
     if (compose_)
         xkb_compose_state_reset(compose_.get());
 }
@@ -244,6 +268,8 @@ std::optional<InputEvent> KeyInterpreter::interpret(const RawKey& key) {
         return event;
     }
     if (const auto modifier = modifierKey(base, name)) {
+        if (!key.isPress && modifier->flag != 0)
+            return std::nullopt;
         event.type = EventType::flagsChanged;
         event.keyCode = modifier->keyCode;
         heldKeyCode_[key.keycode] = modifier->keyCode;
@@ -259,36 +285,42 @@ std::optional<InputEvent> KeyInterpreter::interpret(const RawKey& key) {
         functionKey(keysym).value_or(keyCodeForKeyName(name).value_or(keyCode::unknown));
     event.flags = flagsFor(key.modifiers);
     if (key.isPress && !key.isSynthetic)
-        event.text = textOf(key, keysym);
+        addText(event, key, keysym);
     return event;
 }
 
-EventText KeyInterpreter::textOf(const RawKey& key, xkb_keysym_t keysym) {
+void KeyInterpreter::addText(InputEvent& event, const RawKey& key, xkb_keysym_t keysym) {
     std::array<char, 64> utf8{};
-    int length = 0;
+    int length = xkb_state_key_get_utf8(state_.get(), key.keycode, utf8.data(), utf8.size());
     if (compose_ && xkb_compose_state_feed(compose_.get(), keysym) == XKB_COMPOSE_FEED_ACCEPTED) {
+        const bool isFirst = !std::exchange(isComposing_, false);
         switch (xkb_compose_state_get_status(compose_.get())) {
         case XKB_COMPOSE_COMPOSING:
-            return EventText();
+            isComposing_ = true;
+            event.composition = Composition::underWay;
+            return;
         case XKB_COMPOSE_CANCELLED:
             xkb_compose_state_reset(compose_.get());
-            return EventText();
-        case XKB_COMPOSE_COMPOSED:
+            event.composition = Composition::broken;
+            return;
+        case XKB_COMPOSE_COMPOSED: {
+            const int ownLength = length;
             length = xkb_compose_state_get_utf8(compose_.get(), utf8.data(), utf8.size());
             xkb_compose_state_reset(compose_.get());
-            break;
-        case XKB_COMPOSE_NOTHING:
-            length = xkb_state_key_get_utf8(state_.get(), key.keycode, utf8.data(), utf8.size());
+            // One key that types several characters types a ligature of them in other toolkits.
+            if (isFirst && length != ownLength)
+                event.composition = Composition::broken;
             break;
         }
-    } else {
-        length = xkb_state_key_get_utf8(state_.get(), key.keycode, utf8.data(), utf8.size());
+        case XKB_COMPOSE_NOTHING:
+            break;
+        }
     }
     if (length <= 0 || static_cast<std::size_t>(length) >= utf8.size())
-        return EventText();
+        return;
     const std::u16string text =
         toUtf16(std::string_view(utf8.data(), static_cast<std::size_t>(length)));
-    return EventText(cutOff(text, tapTextLength));
+    event.text = EventText(cutOff(text, tapTextLength));
 }
 
 } // namespace kelvora

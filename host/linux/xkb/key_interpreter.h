@@ -38,8 +38,9 @@ public:
     /// The keymap of the keys that follow; referenced.
     void setKeymap(xkb_keymap* keymap);
 
-    /// The event, without timestamp and mark. Absent for keys that are no typing at all (volume,
-    /// brightness, media) and before a keymap is set.
+    /// The event, without timestamp and mark. Absent for keys that neither type nor move anything
+    /// (volume, brightness, media), for a modifier that comes up without having gone down, and
+    /// before a keymap is set.
     [[nodiscard]] std::optional<InputEvent> interpret(const RawKey& key);
 
     /// Forgets keys believed down and a compose sequence in progress.
@@ -49,11 +50,12 @@ private:
     [[nodiscard]] EventFlags flagsFor(std::uint8_t modifiers) const;
     [[nodiscard]] EventFlags flagsAfterChange(const RawKey& key, EventFlags bit);
     [[nodiscard]] bool isHeld(EventFlags bit, xkb_keycode_t except) const;
-    [[nodiscard]] EventText textOf(const RawKey& key, xkb_keysym_t keysym);
+    void addText(InputEvent& event, const RawKey& key, xkb_keysym_t keysym);
 
     XkbKeymapPtr keymap_;
     XkbStatePtr state_;
     XkbComposeStatePtr compose_;
+    bool isComposing_ = false;
     ModifierRoles roles_;
     /// The flag bit that each key now down stands for; 0 for keys that are up or no modifiers.
     std::array<EventFlags, 256> held_{};

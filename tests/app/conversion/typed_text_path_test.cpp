@@ -26,6 +26,12 @@ TEST_F(TypedTextPathTest, ErasesTheLastWordAndTypesItsConversion) {
     EXPECT_NEAR(desktop.scheduler.now() - started, 8 * 0.016 + 0.02, 1e-9);
 }
 
+TEST_F(TypedTextPathTest, LeavesWhatBackspaceErasesDifferentlyInEachApplication) {
+    EXPECT_EQ(convertTyped(u"ghbdtn\U0001F1FA\U0001F1E6"), std::nullopt) << "a flag";
+    EXPECT_EQ(posted(), u"");
+    EXPECT_EQ(convertTyped(u"\U0001F1FA\U0001F1E6 ghbdtn"), converted) << "before the word";
+}
+
 TEST_F(TypedTextPathTest, WaitsForTheTriggersShiftButNotForEver) {
     for (const auto& [releasedAfter, firstPress] : {std::pair{0.1, 0.1}, {0.9, 0.3}}) {
         desktop.keyboard.press(keyCode::leftShift);

@@ -78,6 +78,31 @@ TEST_F(HotkeyMonitorTest, CaretKeysShortcutsAndClicksEmptyTheBuffer) {
     }
 }
 
+TEST_F(HotkeyMonitorTest, AComposedWordIsKnownWholeOrNotAtAll) {
+    const auto key = [this](std::u16string_view text, Composition composition) {
+        desktop.events.emit({.text = EventText(text), .composition = composition});
+    };
+    fill();
+    key(u"", Composition::underWay);
+    key(u"ê", Composition::none);
+    desktop.type(u"c");
+    EXPECT_EQ(typed(), u"abêc");
+    for (const std::u16string_view text : {u"", u"لا"}) {
+        fill();
+        key(text, Composition::broken);
+        desktop.type(u"cd");
+        EXPECT_EQ(typed(), u"") << "the end of a word";
+        desktop.type(u" ef");
+        EXPECT_EQ(typed(), u" ef");
+    }
+    key(u"", Composition::underWay);
+    desktop.tap(left);
+    desktop.tap(left);
+    desktop.run();
+    EXPECT_EQ(triggers, 1);
+    EXPECT_EQ(monitor->takeTextAtTrigger(), u"") << "a Backspace would end the sequence only";
+}
+
 TEST_F(HotkeyMonitorTest, FindsDoubleTapsOfShiftAlone) {
     const auto strike = [this](std::initializer_list<KeyCode> keys) { // a second time: up
         std::set<KeyCode> down;

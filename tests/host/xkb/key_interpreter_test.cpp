@@ -33,7 +33,7 @@ RawKey keyOf(std::string_view word, xkb_keymap* keymap) {
 }
 
 /// "56SL": the key code and the flags, L and R for the left and the right Shift; text after a
-/// colon.
+/// colon, "~" and "!" for a compose sequence that goes on or breaks off.
 std::string described(const std::optional<InputEvent>& event) {
     if (!event)
         return "nothing";
@@ -47,7 +47,12 @@ std::string described(const std::optional<InputEvent>& event) {
                                        {eventFlag::capsLock, 'K'}})
         if ((event->flags & flag) != 0)
             text += letter;
-    return event->type == EventType::flagsChanged ? text : text + ":" + toUtf8(event->text.view());
+    if (event->type == EventType::flagsChanged)
+        return text;
+    text += ":" + toUtf8(event->text.view());
+    return text + (event->composition == Composition::underWay ? "~"
+                   : event->composition == Composition::broken ? "!"
+                                                               : "");
 }
 
 TEST(KeyInterpreter, TellsPositionsModifiersAndText) {
@@ -58,6 +63,12 @@ TEST(KeyInterpreter, TellsPositionsModifiersAndText) {
         {"us", "", "", "LFSH S+RTSH S+-LFSH S+-RTSH", "56SL 60SLR 56SR 60"},
         {"us", "", "", "LCTL C+-LCTL CAPS K+-CAPS LWIN M+AC01", "59C 59 57 57K 55M 0M:a"},
         {"us", "", "", "S+K+AC01 N+KP7 VOL+ FK05 INS", "0SK:a 89:7 nothing 96: 114:"},
+        // The application's own: what was typed before them is over. I166 and I181 are Back and
+        // Reload.
+        {"us", "", "", "I166 I181 PAST CUT", "65535: 65535: 65535: 65535:"},
+        {"us", "", "", "MUTE I172 I232 I233 POWR I150",
+         "nothing nothing nothing nothing nothing nothing"},
+        {"us", "", "", "-RTSH LFSH S+-RTSH S+-LFSH -LFSH", "nothing 56SL nothing 56 nothing"},
         // Caret keys by what they do, those of the number block among them.
         {"us", "", "", "KP7 HOME KP4 LEFT UP PGDN END", "115: 115: 123: 123: 126: 121: 119:"},
         {"us", "", "", "RTRN TAB ESC DELE BKSP", "36:\r 48:\t 53:\x1B 117:\x7F 51:\b"},
@@ -70,8 +81,11 @@ TEST(KeyInterpreter, TellsPositionsModifiersAndText) {
         {"de", "neo", "", "RALT A+-RALT LALT", "61A 61 55M"},
         {"de", "", "", "RALT A+AD03", "61A 14A:€"},
         // Dead keys give their text with the last key; our own keys are no part of the sequence.
-        {"fr", "", "", "AD11 AD03 AD03 AD11 AD11", "33: 14:ê 14:e 33: 33:^"},
-        {"fr", "", "", "AD11 *+BKSP AD03", "33: 51: 14:ê"},
+        {"fr", "", "", "AD11 AD03 AD03 AD11 AD11", "33:~ 14:ê 14:e 33:~ 33:^"},
+        {"fr", "", "", "AD11 *+BKSP AD03", "33:~ 51: 14:ê"},
+        // What is left of a sequence that is given up, and one key for a ligature, differs.
+        {"fr", "", "", "AD11 AC08 AC08 AD11 BKSP", "33:~ 40:! 40:k 33:~ 51:!"},
+        {"ara", "", "", "AC01 AB05", "0:ش 11:لا!"},
     };
     const XkbContextPtr context = makeQuietContext();
     const auto compose = loadComposeTable(context.get(), "en_US.UTF-8");
