@@ -105,14 +105,20 @@ private:
         if (copied) {
             sentinelResult_ = "replaced_selection";
             selectionDetected_ = true;
-        } else if (!allowSelectAll || pasteboard_.changeCount() != ownCount_) {
-            // What was copied without being a text is selected, and is what the user means.
+        } else if (!allowSelectAll || hasCopiedOther()) {
             sentinelResult_ = "no_selection_select_all_disabled";
         } else if (!isInterrupted_) {
             copied = copy(WhatToCopy::everything);
             sentinelResult_ = copied ? "replaced_whole_field" : "whole_field_empty_or_timeout";
         }
         return copied;
+    }
+
+    /// What was copied without being a text is selected, and is what the user means. An empty text
+    /// is what some copy of no selection.
+    [[nodiscard]] bool hasCopiedOther() {
+        return pasteboard_.changeCount() != ownCount_ &&
+               pasteboard_.string(pasteboardType::string) != u"";
     }
 
     enum class WhatToCopy { selection, everything };

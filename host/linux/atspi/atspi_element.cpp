@@ -147,9 +147,11 @@ AccessibilityError AtspiElement::replaceSelection(std::u16string_view newText) {
 }
 
 TextRole AtspiElement::role() {
+    // What does not tell may be a document, whatever it is.
     if (!session_->begin())
-        return TextRole::unknown;
-    return readTextRole().value;
+        return TextRole::multiLine;
+    const BusReply<TextRole> role = readTextRole();
+    return role ? role.value : TextRole::multiLine;
 }
 
 BusReply<TextRole> AtspiElement::readTextRole() {

@@ -114,23 +114,30 @@ TEST_F(ClipboardPathTest, WhatTheUserTypesMeanwhileComesBehindTheText) {
 }
 
 TEST_F(ClipboardPathTest, ACopyIsATextOtherThanTheSentinel) {
-    using Copies = std::function<std::u16string(std::u16string_view)>;
-    const Copies sentinel = [this](auto) { return desktop.pasteboard.written().back(); };
-    const Copies nothing = [](auto) { return std::u16string(); }; // of an image, say
+    using Copies = std::function<PasteboardSnapshot(std::u16string_view)>;
+    const Copies sentinel = [this](auto) {
+        return fake::textItem(desktop.pasteboard.written().back());
+    };
+    const Copies image = [](auto) {
+        return PasteboardSnapshot{{{fake::pasteboardData("public.png", "PNG")}}};
+    };
     const struct {
         const char* name;
         double delay;
         Copies copies;
+        std::u16string before;
         std::u16string_view keys;
-    } cases[] = {{"late", 0.4, nullptr, u"CV"},
-                 {"the sentinel itself", 0, sentinel, u"C"},
-                 {"no text: not the whole field instead", 0, nothing, u"C"}};
+    } cases[] = {{"late", 0.4, nullptr, u"vbh [vbh]", u"CV"},
+                 {"the sentinel itself", 0, sentinel, u"vbh [vbh]", u"C"},
+                 {"no text: not the whole field instead", 0, image, u"vbh [vbh]", u"C"},
+                 {"an empty text, of no selection", 0, nullptr, u"vbh|", u"CACV"}};
     request.reselectPastedText = false;
-    for (const auto& [name, delay, copies, keys] : cases) {
+    field().copiesWithoutSelection = true;
+    for (const auto& [name, delay, copies, before, keys] : cases) {
         SCOPED_TRACE(name);
         field().copyDelay = delay;
         field().copies = copies;
-        show(u"vbh [vbh]");
+        show(before);
         EXPECT_EQ(convert(), copies ? noText : converted);
         EXPECT_EQ(posted(), keys);
         EXPECT_EQ(desktop.pasteboard.contents(), users);

@@ -19,6 +19,10 @@ namespace kelvora::fake {
             std::make_shared<const std::vector<std::byte>>(raw.begin(), raw.end())};
 }
 
+[[nodiscard]] inline PasteboardSnapshot textItem(std::u16string_view text) {
+    return {{{pasteboardData(std::string(pasteboardType::string), toUtf8(text))}}};
+}
+
 /// The session's pasteboard, and the other programs that use it.
 class Pasteboard final : public kelvora::Pasteboard {
 public:
@@ -33,7 +37,7 @@ public:
         ++changeCount_;
     }
     void copyText(std::u16string_view text, Program program = Program::other) {
-        copy({{{pasteboardData(std::string(pasteboardType::string), toUtf8(text))}}}, program);
+        copy(textItem(text), program);
     }
     [[nodiscard]] bool isOfFocusedProgram() const { return owner_ == Program::focused; }
 

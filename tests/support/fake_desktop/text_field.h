@@ -24,7 +24,8 @@ public:
     double copyDelay = 0;  ///< seconds from Command-C to the copy
     double pasteDelay = 0; ///< seconds from Command-V to the paste
     /// What is copied of a selection, instead of its text.
-    std::function<std::u16string(std::u16string_view)> copies;
+    std::function<PasteboardSnapshot(std::u16string_view)> copies;
+    bool copiesWithoutSelection = false;
 
     /// A key went down in the window, and types `event.text` if it types anything.
     void receive(const InputEvent& event) {
@@ -71,10 +72,10 @@ private:
     void receiveShortcut(KeyCode keyCode) {
         if (keyCode == keyCode::a) {
             select(0, text_.size());
-        } else if (keyCode == keyCode::c && anchor_ != caret_) {
+        } else if (keyCode == keyCode::c && (anchor_ != caret_ || copiesWithoutSelection)) {
             scheduler_.at(copyDelay, [this] {
-                pasteboard_.copyText(copies ? copies(selectedText()) : selectedText(),
-                                     Pasteboard::Program::focused);
+                pasteboard_.copy(copies ? copies(selectedText()) : textItem(selectedText()),
+                                 Pasteboard::Program::focused);
             });
         } else if (keyCode == keyCode::v) {
             const auto paste = [this] { insert(pasteboard_.paste().value_or(u"")); };
