@@ -113,7 +113,10 @@ void AppModel::refreshInputSources() {
     if (layouts != inputSources_) {
         assign(inputSources_, layouts, AppModelProperty::inputSources);
     }
-    if (layouts.size() < 2) {
+    // The same layout may be enabled twice.
+    const auto second = std::ranges::find_if(
+        layouts, [&](const InputSourceChoice& layout) { return layout.id != layouts.front().id; });
+    if (second == layouts.end()) {
         assign(firstSourceID_, {}, AppModelProperty::firstSourceID);
         assign(secondSourceID_, {}, AppModelProperty::secondSourceID);
         return;
@@ -123,9 +126,9 @@ void AppModel::refreshInputSources() {
         return;
     }
     assign(firstSourceID_, layouts[0].id, AppModelProperty::firstSourceID);
-    assign(secondSourceID_, layouts[1].id, AppModelProperty::secondSourceID);
+    assign(secondSourceID_, second->id, AppModelProperty::secondSourceID);
     session_.userDefaults.setString(firstSourceIDKey, layouts[0].id);
-    session_.userDefaults.setString(secondSourceIDKey, layouts[1].id);
+    session_.userDefaults.setString(secondSourceIDKey, second->id);
 }
 
 void AppModel::setStatusMessage(std::string message) {

@@ -76,7 +76,7 @@ public:
     void setFirstSourceID(const std::string& id);
     void setSecondSourceID(const std::string& id);
     /// Reads the enabled layouts again, and replaces and stores the pair when it is not valid any
-    /// more. What is stored stays while there are fewer than two layouts.
+    /// more. What is stored stays while there are fewer than two different layouts.
     void refreshInputSources();
 
     /// The last message for the user.

@@ -95,6 +95,8 @@ TEST_F(AppModelTest, PairIsRepairedAndStored) {
         {"one removed: both are replaced", {"C", "D"}, {"A", "B", "C"}, {"A", "B"}, {"A", "B"}},
         {"the same twice", {"A", "A"}, {"A", "B", "C"}, {"A", "B"}, {"A", "B"}},
         {"one layout", {"C", "A"}, {"A"}, {"", ""}, {"C", "A"}},
+        {"one layout twice", {"C", "A"}, {"A", "A"}, {"", ""}, {"C", "A"}},
+        {"another behind it", {"", ""}, {"A", "A", "B"}, {"A", "B"}, {"A", "B"}},
         {"none", {"C", "A"}, {}, {"", ""}, {"C", "A"}},
     };
     for (const auto& [name, stored, enabled, pair, storedAfter] : cases) {
