@@ -186,6 +186,8 @@ void UpdateFlow::install() {
 void UpdateFlow::dismiss() {
     switch (stage_) {
     case Stage::checking:
+        abandonCheck();
+        return;
     case Stage::downloading:
         effects_.abandonTransfer();
         backToIdle();
@@ -199,6 +201,16 @@ void UpdateFlow::dismiss() {
         effects_.closeWindow();
         return;
     }
+}
+
+void UpdateFlow::abandonCheck() {
+    effects_.abandonTransfer();
+    const auto now = effects_.now();
+    if (schedule_.isDue(now)) { // it was the scheduled one: nothing else would begin the next
+        schedule_.fail(now);
+        effects_.wakeAfter(schedule_.wait(now));
+    }
+    backToIdle();
 }
 
 void UpdateFlow::packageReceived(std::int64_t bytes) {

@@ -81,6 +81,7 @@ private:
     void tell(UpdateNotice notice, const std::string& version, const std::string& place = {});
     void show(const UpdateScreen& screen, UpdatePresentation presentation);
     void dismiss();
+    void abandonCheck();
     void backToIdle();
     [[nodiscard]] bool wasRemindedLately(const UpdateVersion& version);
 

@@ -40,7 +40,8 @@ public:
             flow->timeHasCome();
             if (isFetching_) {
                 checks.push_back(std::chrono::floor<std::chrono::hours>(now_ - start_).count());
-                reply(found);
+                if (!isFeedSlow)
+                    reply(found);
             }
         }
         now_ = end;
@@ -69,7 +70,8 @@ public:
     std::optional<UpdateMemory> memory;
     std::vector<long> checks; // hours since the start
     int wakeUps = 0;
-    std::string window; ///< which screen is shown, and how it came; empty when none is open
+    bool isFeedSlow = false; ///< a check goes unanswered
+    std::string window;      ///< which screen is shown, and how it came; empty when none is open
 
 private:
     std::chrono::sys_seconds now() override { return now_; }
@@ -128,6 +130,25 @@ TEST(UpdateFlow, ChecksSeldomAndQuietlyAndRemindsOnceAWeek) {
     EXPECT_EQ(computer.window, "");
     computer.run(9 * 24h, Document{});
     EXPECT_EQ(computer.window, "offer");
+}
+
+TEST(UpdateFlow, AScheduledCheckThatAPersonClosesIsRetried) {
+    Computer computer;
+    const Document current{.version = "1.1"};
+    computer.isFeedSlow = true;
+    computer.run(1h, current);
+    computer.flow->checkForUpdates();
+    EXPECT_EQ(computer.window, "checking in front");
+    computer.flow->act(UpdateAction::dismiss);
+    EXPECT_EQ(computer.window, "");
+    computer.isFeedSlow = false;
+    computer.run(8h, current);
+    EXPECT_EQ(computer.checks, (std::vector<long>{0, 5}));
+    // One that the person began changes no plan.
+    computer.flow->checkForUpdates();
+    computer.flow->act(UpdateAction::dismiss);
+    computer.run(24h, current);
+    EXPECT_EQ(computer.checks, (std::vector<long>{0, 5, 29}));
 }
 
 TEST(UpdateFlow, AnswersWhoAsks) {
