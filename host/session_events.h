@@ -12,8 +12,8 @@ class SessionEvents {
 public:
     virtual ~SessionEvents() = default;
 
-    /// The session is in the foreground and not locked; true where that is not known.
-    [[nodiscard]] virtual bool isActive() const = 0;
+    /// False where that is not known.
+    [[nodiscard]] virtual bool isLocked() const = 0;
 
     /// The machine woke from sleep.
     virtual void setOnWake(std::function<void()> handler) = 0;

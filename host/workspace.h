@@ -25,6 +25,12 @@ struct FrontmostApplication {
     std::int64_t processIdentifier = 0; ///< 0 when unknown
 };
 
+/// What a change of the focus means for the keys that the tap tells of.
+enum class FocusChange {
+    keysSeen,   ///< they go elsewhere from here on, and every one is told of all along
+    keysMissed, ///< some were not told of or will not be; a key that is down may come up unseen
+};
+
 /// The applications and the focus of the session. Main thread only.
 class Workspace {
 public:
@@ -36,7 +42,7 @@ public:
     [[nodiscard]] virtual FocusTarget focusTarget() = 0;
     /// Called on the main thread whenever another window gets the focus, another client takes the
     /// keyboard, or it gives it back; in order with the events of the tap.
-    virtual void setOnFocusChanged(std::function<void()> handler) = 0;
+    virtual void setOnFocusChanged(std::function<void(FocusChange)> handler) = 0;
 };
 
 } // namespace kelvora

@@ -23,14 +23,6 @@ AppDelegate::~AppDelegate() {
     desktop_.workspace.setOnFocusChanged(nullptr);
 }
 
-std::function<void()> AppDelegate::weakly(Handler handler) const {
-    return [weak = self_.handle(), handler] {
-        if (AppDelegate* delegate = weak.get()) {
-            (delegate->*handler)();
-        }
-    };
-}
-
 void AppDelegate::launch() {
     session_.singleInstance.setOnReplaced(weakly(&AppDelegate::handleReplaced));
     session_.singleInstance.setOnReopen(weakly(&AppDelegate::showPreferences));
@@ -180,7 +172,7 @@ void AppDelegate::handleSessionActive() {
 void AppDelegate::handleSessionResign() {
     hotkey_.interpreter().reset();
     hotkey_.detector().reset();
-    hotkey_.typedText()->reset();
+    hotkey_.forgetTypedText();
 }
 
 void AppDelegate::handleAccessibilityChanged() {
@@ -204,22 +196,25 @@ void AppDelegate::handleMouseDown() {
 
 void AppDelegate::performConversion() {
     // Behind a locker nothing is the user's to repair.
-    if (!session_.sessionEvents.isActive()) {
+    if (session_.sessionEvents.isLocked()) {
+        Logger(desktop_.log, "Conversion").info("performConversion skipped: the session is locked");
         return;
     }
     // Layouts may have been added or removed since the last look; a conversion under way keeps its
     // own.
-    if (!conversion_.conversionInProgress()) {
+    if (model_.isEnabled() && !conversion_.conversionInProgress()) {
         model_.refreshInputSources();
     }
     conversion_.performConversion(hotkey_.takeTextAtTrigger());
 }
 
-void AppDelegate::handleFocusChange() {
-    // A Shift that went down here may come up where it is not seen.
-    hotkey_.interpreter().reset();
-    hotkey_.detector().reset();
-    hotkey_.typedText()->reset();
+void AppDelegate::handleFocusChange(FocusChange change) {
+    if (change == FocusChange::keysMissed) {
+        // A Shift that went down here may come up where it is not seen.
+        hotkey_.interpreter().reset();
+        hotkey_.detector().reset();
+    }
+    hotkey_.forgetTypedText();
     conversion_.focusChanged();
     enableAccessibility();
 }

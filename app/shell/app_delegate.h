@@ -50,9 +50,16 @@ public:
     [[nodiscard]] bool conversionInProgress() const { return conversion_.conversionInProgress(); }
 
 private:
-    using Handler = void (AppDelegate::*)();
     /// For those that call it later: does nothing once this object is gone.
-    [[nodiscard]] std::function<void()> weakly(Handler handler) const;
+    template <typename... Arguments>
+    [[nodiscard]] std::function<void(Arguments...)>
+    weakly(void (AppDelegate::*handler)(Arguments...)) const {
+        return [weak = self_.handle(), handler](Arguments... arguments) {
+            if (AppDelegate* delegate = weak.get()) {
+                (delegate->*handler)(arguments...);
+            }
+        };
+    }
 
     void installMenus();
     void wireMonitor();
@@ -62,7 +69,7 @@ private:
     void handleShiftEvent();
     void handleTrigger();
     void handleMouseDown();
-    void handleFocusChange();
+    void handleFocusChange(FocusChange change);
     void handleSystemWake();
     void handleSessionActive();
     void handleSessionResign();

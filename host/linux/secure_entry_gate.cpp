@@ -19,17 +19,9 @@ bool isMouseDown(const InputEvent& event) {
 
 bool isText(const InputEvent& event) {
     const std::u16string_view text = event.text.view();
-    return event.type == EventType::keyDown && !text.empty() && text.front() >= u' ' &&
-           text.front() != u'\x7F';
-}
-
-/// Whatever is not plain text may: Tab, Return, an arrow, a shortcut, a function key.
-bool mayMoveFocus(const InputEvent& event) {
-    if (isMouseDown(event))
-        return true;
-    if (event.type != EventType::keyDown || event.keyCode == keyCode::backspace)
-        return false;
-    return (event.flags & (eventFlag::control | eventFlag::command)) != 0 || !isText(event);
+    return event.type == EventType::keyDown &&
+           (event.composition == Composition::underWay ||
+            (!text.empty() && text.front() >= u' ' && text.front() != u'\x7F'));
 }
 
 void wipe(InputEvent& event) {
@@ -38,6 +30,14 @@ void wipe(InputEvent& event) {
 }
 
 } // namespace
+
+bool mayMoveFocus(const InputEvent& event) {
+    if (isMouseDown(event))
+        return true;
+    if (event.type != EventType::keyDown || event.keyCode == keyCode::backspace)
+        return false;
+    return (event.flags & (eventFlag::control | eventFlag::command)) != 0 || !isText(event);
+}
 
 SecureEntryGate::SecureEntryGate(SecureEntry* secureEntry, Outputs outputs)
     : secureEntry_(secureEntry), outputs_(std::move(outputs)) {
@@ -58,7 +58,8 @@ void SecureEntryGate::handleEvent(const InputEvent& event, Time now) {
         secureEntry_->fetch();
     lastAct_ = now;
     if (secrecy_ == FocusSecrecy::untold) {
-        outputs_.deliver(event);
+        if (!isTextRequired_)
+            outputs_.deliver(event);
         return;
     }
     releaseDue(now);
@@ -76,19 +77,20 @@ void SecureEntryGate::handleEvent(const InputEvent& event, Time now) {
 
 void SecureEntryGate::handleWindowChange(Time now) {
     windowChangedAt_ = now;
-    loseKeyboard(now);
+    loseKeyboard(FocusChange::keysSeen, now);
     if (secrecy_ == FocusSecrecy::secret && secureEntry_ != nullptr)
         secureEntry_->confirm();
 }
 
 void SecureEntryGate::handleGrab(Time now) {
-    loseKeyboard(now);
+    loseKeyboard(FocusChange::keysMissed, now);
 }
 
-void SecureEntryGate::loseKeyboard(Time now) {
+void SecureEntryGate::loseKeyboard(FocusChange change, Time now) {
+    const std::size_t held = held_.size();
     const std::vector<std::uint8_t> fences = dropHeld();
     // Whoever waits for a fence must find the change told already.
-    outputs_.onFocusChanged();
+    outputs_.onFocusChanged(held > fences.size() ? FocusChange::keysMissed : change);
     for (const std::uint8_t fence : fences)
         outputs_.onFencePassed(fence);
     lastAct_ = now;
@@ -148,6 +150,7 @@ std::vector<std::uint8_t> SecureEntryGate::dropHeld() {
 
 void SecureEntryGate::onFocusReport(const FocusReport& report, Time now) {
     const FocusSecrecy before = std::exchange(secrecy_, report.secrecy);
+    isText_ = report.isText;
     toldAt_ = now;
     secretEnd_.reset();
     if (secrecy_ == FocusSecrecy::pending && before != FocusSecrecy::pending) {
@@ -163,7 +166,7 @@ void SecureEntryGate::onFocusReport(const FocusReport& report, Time now) {
         report.isOtherText &&
         (before == FocusSecrecy::pending ? isPendingUnexpected_ : isLongAfterAct(now));
     if (isSecretChange || isUnexpected)
-        outputs_.onFocusChanged();
+        outputs_.onFocusChanged(isSecretChange ? FocusChange::keysMissed : FocusChange::keysSeen);
     if (secrecy_ == FocusSecrecy::untold) {
         if (before == FocusSecrecy::secret || before == FocusSecrecy::pending)
             clear();
@@ -219,7 +222,7 @@ void SecureEntryGate::decide(InputEvent& event, Epoch epoch, Time now) {
         if (isTyping) {
             // Of a secret focus this has been told; here what was typed before has lost its end.
             if (secrecy_ == FocusSecrecy::pending && incompleteEpoch_ != epoch)
-                outputs_.onFocusChanged();
+                outputs_.onFocusChanged(FocusChange::keysMissed);
             incompleteEpoch_ = epoch;
         }
     } else {
@@ -232,6 +235,8 @@ void SecureEntryGate::decide(InputEvent& event, Epoch epoch, Time now) {
 
 bool SecureEntryGate::isSecret(Epoch epoch, Time now) const {
     if (epoch < epoch_ && epoch <= lastSecretEpoch_)
+        return true;
+    if (isTextRequired_ && !isText_)
         return true;
     return isWithheld() && !(secretEnd_ && now >= *secretEnd_);
 }

@@ -3,6 +3,7 @@
 
 #include "host/event_source.h"
 #include "host/linux/secure_entry.h"
+#include "host/workspace.h"
 
 #include <chrono>
 #include <cstdint>
@@ -13,6 +14,10 @@
 #include <vector>
 
 namespace kelvora {
+
+/// Whether the focus may go elsewhere or a menu may open at an event: at whatever is neither plain
+/// text nor Backspace, such as Tab, Return, an arrow, a shortcut, a function key, a click.
+[[nodiscard]] bool mayMoveFocus(const InputEvent& event);
 
 /// Stands between the desktop's events and their reader, and lets nothing through that goes to a
 /// password field.
@@ -40,7 +45,7 @@ public:
     struct Outputs {
         EventHandler deliver;
         /// What was typed before does not belong to what has the focus now.
-        std::function<void()> onFocusChanged;
+        std::function<void(FocusChange)> onFocusChanged;
         /// Everything before the fence has been delivered or dropped.
         std::function<void(std::uint8_t fence)> onFencePassed;
         /// `handleTimer` is to be called at that time; replaces what was asked for before.
@@ -58,6 +63,8 @@ public:
     void handleWindowChange(Time now);
     /// A client has taken the keyboard for itself or given it back; the focus is where it was.
     void handleGrab(Time now);
+    /// While it is required, what goes to anything but a text that is told to be plain is withheld.
+    void setTextRequired(bool isRequired) { isTextRequired_ = isRequired; }
     /// Whose window has the focus, by any number but 0; comes some time after the window change.
     void handleFocusClient(std::uint32_t client, Time now);
     void handleFence(std::uint8_t fence, Time now);
@@ -80,7 +87,7 @@ private:
     };
 
     void onFocusReport(const FocusReport& report, Time now) override;
-    void loseKeyboard(Time now);
+    void loseKeyboard(FocusChange change, Time now);
     void beginEpoch(Time now);
     void hold(std::variant<InputEvent, Fence> item, Time end);
     void releaseDue(Time now);
@@ -95,6 +102,8 @@ private:
     SecureEntry* secureEntry_;
     Outputs outputs_;
     FocusSecrecy secrecy_ = FocusSecrecy::untold;
+    bool isText_ = false; ///< a text is told to have the focus
+    bool isTextRequired_ = false;
     std::optional<Time> toldAt_;
     std::optional<Time> windowChangedAt_;
     std::uint32_t focusClient_ = 0;

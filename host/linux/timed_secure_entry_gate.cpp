@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock; // CLOCK_MONOTONIC
 
 TimedSecureEntryGate::TimedSecureEntryGate(EventLoop& loop, SecureEntry* secureEntry,
                                            EventHandler deliver,
-                                           std::function<void()> onFocusChanged,
+                                           std::function<void(FocusChange)> onFocusChanged,
                                            std::function<void(std::uint8_t)> onFencePassed)
     : timer_(secureEntry != nullptr ? timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)
                                     : -1),

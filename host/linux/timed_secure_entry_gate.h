@@ -16,13 +16,14 @@ public:
     /// The arguments are those of SecureEntryGate; the loop and the secure entry outlive the gate.
     TimedSecureEntryGate(
         EventLoop& loop, SecureEntry* secureEntry, EventHandler deliver,
-        std::function<void()> onFocusChanged,
+        std::function<void(FocusChange)> onFocusChanged,
         std::function<void(std::uint8_t)> onFencePassed = [](std::uint8_t) {});
     ~TimedSecureEntryGate();
 
     void handleEvent(const InputEvent& event);
     void handleWindowChange();
     void handleGrab();
+    void setTextRequired(bool isRequired) { gate_.setTextRequired(isRequired); }
     void handleFocusClient(std::uint32_t client);
     void handleFence(std::uint8_t fence);
     void clear() { gate_.clear(); }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A window with one field of every kind, in Qt 6.
 //     fields_qt6 entry|text|password|readonly [list]
-// The named field has the focus, and what it holds stands in the window's title. Beside it there may
-// be a list whose current row goes on with every change of it.
+// The named field has the focus, and what it holds stands in the window's title. Beside it there
+// may be a list whose current row goes on with every change of it.
 #include "tests/applications/title_text.h"
 
 #include <QApplication>

@@ -46,6 +46,18 @@ TEST(Faults, TheServerGoesAway) {
     EXPECT_THAT(program.log(), ContainsRegex(aboutTheDisplay));
 }
 
+TEST(Faults, AServerThatHidesXTest) {
+    RealDesktop desktop;
+    const XServer server({"-extension", "XTEST"});
+    Environment environment = desktop.environment();
+    environment["DISPLAY"] = server.display();
+    Program program(desktop, KELVORA_PROGRAM, Program::Start::asItIs, environment);
+    EXPECT_TRUE(waitUntil([&] { return program.logContains("Accessibility permission required"); }))
+        << program.log();
+    program.process().sendSignal(SIGTERM);
+    EXPECT_EQ(program.process().waitForExit(std::chrono::seconds(5)), 0) << program.log();
+}
+
 TEST(Faults, OneLayoutOnlyThenTwo) {
     RealDesktop desktop("us");
     Terminal terminal(desktop);

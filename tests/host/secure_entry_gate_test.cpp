@@ -100,7 +100,7 @@ private:
     SecureEntry entry_;
     SecureEntryGate gate_{&entry_,
                           {.deliver = [this](const InputEvent& event) { deliver(event); },
-                           .onFocusChanged = [this] { output_ += '!'; },
+                           .onFocusChanged = [this](FocusChange /*change*/) { output_ += '!'; },
                            .onFencePassed = [this](std::uint8_t) { output_ += '|'; },
                            .setTimer = [this](SecureEntryGate::Time time) { timer_ = time; }}};
 };

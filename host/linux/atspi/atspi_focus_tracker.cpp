@@ -123,6 +123,7 @@ FocusReport AtspiFocusTracker::report() {
     if (focus.kind.isSecret)
         report.secrecy = FocusSecrecy::secret;
     if (focus.kind.isText) {
+        report.isText = true;
         report.isOtherText = lastText_ && *lastText_ != focus.object;
         lastText_ = focus.object;
     }

@@ -20,7 +20,7 @@ public:
     /// choice holds: the session of this process, else the user's graphical one.
     LogindSession(EventLoop& loop, const std::string& sessionId);
 
-    [[nodiscard]] bool isActive() const override { return isActive_; }
+    [[nodiscard]] bool isLocked() const override { return isLocked_; }
     void setOnWake(std::function<void()> handler) override { onWake_ = std::move(handler); }
     void setOnBecameActive(std::function<void()> handler) override {
         onBecameActive_ = std::move(handler);

@@ -98,7 +98,7 @@ bool SettingsPages::open(std::string_view address) {
 }
 
 std::vector<SettingsCommand> SettingsPages::commandsFor(std::string_view address) const {
-    if (address.starts_with("https://"))
+    if (address.starts_with("https://") || address.starts_with("file://"))
         return {{"xdg-open", std::string(address)}};
     if (!address.starts_with(privacySettings))
         return {};

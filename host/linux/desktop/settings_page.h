@@ -29,7 +29,7 @@ public:
     SettingsPages(std::string currentDesktops, LogSink& log)
         : currentDesktops_(std::move(currentDesktops)), log_(log) {}
 
-    /// Pages of the privacy settings, and web pages (https).
+    /// Pages of the privacy settings, web pages (https) and files.
     bool open(std::string_view address) override;
 
 private:

@@ -6,6 +6,7 @@
 #include "host/linux/secure_entry.h"
 #include "host/linux/x11/x11_connection.h"
 #include "host/linux/x11/x11_posting_marks.h"
+#include "host/workspace.h"
 
 #include <functional>
 #include <memory>
@@ -21,7 +22,7 @@ public:
         /// Another window has the focus, or the keyboard was taken or given back by a client, or
         /// the focus went into or out of a password field, or to another text without the user's
         /// doing.
-        std::function<void()> onFocusChanged;
+        std::function<void(FocusChange)> onFocusChanged;
         /// The server has gone away while something listened to it.
         std::function<void()> onServerGone;
     };

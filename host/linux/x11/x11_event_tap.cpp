@@ -25,22 +25,19 @@ std::unique_ptr<X11EventTap> X11EventTap::create(const char* display, EventLoop&
     std::unique_ptr<X11Keymap> keymap = X11Keymap::create(connection.get());
     if (!keymap)
         return nullptr;
-    std::unique_ptr<X11EventTap> tap(new X11EventTap(std::move(connection), std::move(keymap), loop,
-                                                     marks, callbacks, secureEntry, mask,
-                                                     std::move(handler)));
-    tap->record_ = X11RecordStream::create(display, *tap);
-    if (!tap->record_)
+    std::unique_ptr<X11EventTap> tap(new X11EventTap(display, std::move(connection),
+                                                     std::move(keymap), loop, marks, callbacks,
+                                                     secureEntry, mask, std::move(handler)));
+    if (!tap->openRecord())
         return nullptr;
     X11EventTap& self = *tap;
-    tap->recordWatch_ =
-        loop.watchReadable(tap->record_->descriptor(), [&self] { self.processRecord(); });
     tap->noticeWatch_ = loop.watchReadable(xcb_get_file_descriptor(tap->connection_.get()),
                                            [&self] { self.processNotices(); });
     return tap;
 }
 
-X11EventTap::X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap,
-                         EventLoop& loop, X11PostingMarks& marks,
+X11EventTap::X11EventTap(const char* display, XcbConnectionPtr connection,
+                         std::unique_ptr<X11Keymap> keymap, EventLoop& loop, X11PostingMarks& marks,
                          const X11EventSource::Callbacks& callbacks, SecureEntry* secureEntry,
                          EventMask mask, EventHandler handler)
     : marks_(marks), callbacks_(callbacks), mask_(mask), handler_(std::move(handler)),
@@ -50,31 +47,60 @@ X11EventTap::X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap>
               if ((mask_ & eventMaskBit(event.type)) != 0)
                   handler_(event);
           },
-          [this] {
+          [this](FocusChange change) {
               if (callbacks_.onFocusChanged)
-                  callbacks_.onFocusChanged();
+                  callbacks_.onFocusChanged(change);
           },
           [this](std::uint8_t fence) { marks_.fencePassed(fence); }),
       connection_(std::move(connection)), keymap_(std::move(keymap)),
-      interpreter_(loadComposeTable(keymap_->context()).get()), focus_(connection_.get()) {
+      interpreter_(loadComposeTable(keymap_->context()).get()), focus_(connection_.get()),
+      display_(display), loop_(loop) {
     interpreter_.setKeymap(keymap_->keymap());
 }
 
-X11EventTap::~X11EventTap() = default;
+X11EventTap::~X11EventTap() {
+    if (record_ && record_->isEnabled())
+        disable();
+}
+
+bool X11EventTap::openRecord() {
+    std::unique_ptr<X11RecordStream> record = X11RecordStream::create(display_.c_str(), *this);
+    if (!record)
+        return false;
+    recordWatch_ = loop_.watchReadable(record->descriptor(), [this] { processRecord(); });
+    record_ = std::move(record);
+    return true;
+}
 
 void X11EventTap::setEnabled(bool enabled) {
     if (enabled == record_->isEnabled())
         return;
-    interpreter_.reset();
-    pendingFake_.reset();
     if (enabled) {
-        static_cast<void>(record_->enable());
+        // After an error of the stream the server may have forgotten what it was.
+        if (!record_->enable() && openRecord())
+            static_cast<void>(record_->enable());
+        marks_.hasTap = record_->isEnabled();
+        interpreter_.reset();
+        pendingFake_.reset();
         focus_.start();
         gate_.handleFocusClient(focus_.client());
     } else {
-        record_->disable();
-        gate_.clear();
+        disable();
     }
+}
+
+void X11EventTap::disable() {
+    record_->disable();
+    forget();
+}
+
+void X11EventTap::forget() {
+    marks_.hasTap = false;
+    marks_.isPopupOpen = false;
+    gate_.setTextRequired(false);
+    interpreter_.reset();
+    pendingFake_.reset();
+    gate_.clear();
 }
 
 bool X11EventTap::isEnabled() const {
@@ -82,9 +108,17 @@ bool X11EventTap::isEnabled() const {
 }
 
 void X11EventTap::processRecord() {
-    if (!record_->process() && callbacks_.onServerGone) {
+    const bool wasEnabled = record_->isEnabled();
+    record_->process();
+    if (wasEnabled && !record_->isEnabled()) {
+        forget();
+        if (callbacks_.onFocusChanged)
+            callbacks_.onFocusChanged(FocusChange::keysMissed);
+    }
+    if (!record_->isConnected()) {
         recordWatch_.reset();
-        callbacks_.onServerGone();
+        if (callbacks_.onServerGone)
+            callbacks_.onServerGone();
     }
 }
 
@@ -133,7 +167,10 @@ void X11EventTap::onDeviceEvent(const X11DeviceEvent& event) {
 
 void X11EventTap::onFocusEvent(const X11FocusEvent& event) {
     pendingFake_.reset();
-    switch (focus_.onFocusEvent(event)) {
+    const X11FocusWatch::Change change = focus_.onFocusEvent(event);
+    marks_.isPopupOpen = focus_.isPopupOpen();
+    gate_.setTextRequired(focus_.isKeyboardReserved());
+    switch (change) {
     case X11FocusWatch::Change::none:
         return;
     case X11FocusWatch::Change::grab:
@@ -165,8 +202,15 @@ void X11EventTap::deliverKey(const X11DeviceEvent& event, bool isOurs) {
                                 .modifiers = static_cast<std::uint8_t>(event.state & 0xFF),
                                 .group = static_cast<std::uint32_t>((event.state >> 13) & 3),
                                 .isSynthetic = isOurs});
-    if (!interpreted || focus_.isKeyboardTaken())
+    if (!interpreted)
         return;
+    noteInput(*interpreted);
+    if (focus_.isKeyboardTaken())
+        return;
+    if (!isOurs && focus_.followsPointer() && focus_.hasPointerMovedOn()) {
+        gate_.handleWindowChange();
+        processNotices(); // the loop cannot see what came along with the answer
+    }
     InputEvent result = *interpreted;
     if (isOurs) {
         // Posting an event with flags makes no modifier change of its own.
@@ -187,7 +231,17 @@ void X11EventTap::deliverButton(const X11DeviceEvent& event) {
         result.type = EventType::otherMouseDown;
     else
         return;
+    noteInput(result);
     deliver(result, event.time);
+}
+
+void X11EventTap::noteInput(const InputEvent& event) {
+    // Alt alone opens a menu; Shift only makes a capital letter.
+    constexpr std::uint64_t shortcut = eventFlag::control | eventFlag::command;
+    if (event.type != EventType::flagsChanged)
+        focus_.onInput(!mayMoveFocus(event));
+    else if ((event.flags & shortcut) != 0)
+        focus_.onInput(false);
 }
 
 void X11EventTap::deliver(InputEvent event, std::uint32_t time) {

@@ -10,6 +10,7 @@
 #include "host/linux/xkb/key_interpreter.h"
 
 #include <optional>
+#include <string>
 
 namespace kelvora {
 
@@ -28,8 +29,8 @@ public:
     [[nodiscard]] bool isEnabled() const override;
 
 private:
-    X11EventTap(XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap, EventLoop& loop,
-                X11PostingMarks& marks, const X11EventSource::Callbacks& callbacks,
+    X11EventTap(const char* display, XcbConnectionPtr connection, std::unique_ptr<X11Keymap> keymap,
+                EventLoop& loop, X11PostingMarks& marks, const X11EventSource::Callbacks& callbacks,
                 SecureEntry* secureEntry, EventMask mask, EventHandler handler);
 
     void onDeviceEvent(const X11DeviceEvent& event) override;
@@ -38,10 +39,14 @@ private:
     void onKeyboardGrabRequest(std::uint32_t client) override;
     void onNoOperation(std::uint32_t client, std::uint8_t number) override;
 
+    bool openRecord();
+    void disable();
+    void forget();
     void processRecord();
     void processNotices();
     void deliverKey(const X11DeviceEvent& event, bool isOurs);
     void deliverButton(const X11DeviceEvent& event);
+    void noteInput(const InputEvent& event);
     void deliver(InputEvent event, std::uint32_t time);
 
     X11PostingMarks& marks_;
@@ -55,6 +60,8 @@ private:
     KeyInterpreter interpreter_;
     X11FocusWatch focus_;
     X11Time time_;
+    std::string display_;
+    EventLoop& loop_;
     std::unique_ptr<X11RecordStream> record_;
     /// The request whose device event comes next, if it comes at all.
     std::optional<X11FakeInput> pendingFake_;

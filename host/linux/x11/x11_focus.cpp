@@ -32,12 +32,12 @@ X11Focus readFocus(xcb_connection_t* connection) {
     X11Focus result;
     result.given = focus->focus;
     result.revertTo = focus->revert_to;
-    if (focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT) {
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    if (focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != root) {
         result.window = focus->focus;
         result.target = {outermost(connection, focus->focus)};
         return result;
     }
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     const XcbPtr<xcb_query_pointer_reply_t> pointer(
         xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
     if (pointer) {

@@ -11,7 +11,8 @@ namespace kelvora {
 
 /// Where keys go.
 struct X11Focus {
-    /// The focus window; where the focus follows the pointer, the top-level window under it.
+    /// The focus window; where the focus follows the pointer, or is the root's, the top-level
+    /// window under it.
     xcb_window_t window = XCB_NONE;
     /// The window as a person sees it: the outermost one around the focus window below the root.
     /// Toolkits move the focus between it and helper windows inside while one field stays focused.

@@ -20,8 +20,9 @@ bool setFocus(xcb_connection_t* connection, xcb_window_t window, std::uint8_t re
 
 } // namespace
 
-X11FocusGuard::X11FocusGuard(X11KeyboardControl& control, FocusTarget target)
-    : control_(control), target_(target), wasGrabbed_(control.isKeyboardGrabbed()) {}
+X11FocusGuard::X11FocusGuard(X11KeyboardControl& control, const X11PostingMarks& marks,
+                             FocusTarget target)
+    : control_(control), marks_(marks), target_(target), wasGrabbed_(control.isKeyboardGrabbed()) {}
 
 X11FocusGuard::~X11FocusGuard() {
     // Only if the window still has what was taken back for it: the user's newer choice stands. A
@@ -54,7 +55,7 @@ bool X11FocusGuard::post(X11KeyboardControl& control, const std::function<void()
 }
 
 bool X11FocusGuard::isTaken(X11KeyboardControl& control) {
-    return !wasGrabbed_ && control.isKeyboardGrabbed();
+    return !wasGrabbed_ && control.isKeyboardGrabbed() && !marks_.isPopupOpen;
 }
 
 bool X11FocusGuard::hasFocus(X11KeyboardControl& control) {

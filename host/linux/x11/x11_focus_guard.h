@@ -3,6 +3,7 @@
 
 #include "host/linux/x11/x11_focus.h"
 #include "host/linux/x11/x11_keyboard_control.h"
+#include "host/linux/x11/x11_posting_marks.h"
 
 #include <functional>
 #include <optional>
@@ -17,8 +18,8 @@ namespace kelvora {
 /// end; a client that takes the keyboard is waited for, for a bounded time.
 class X11FocusGuard {
 public:
-    /// `control` is for questions, and outlives the guard.
-    X11FocusGuard(X11KeyboardControl& control, FocusTarget target);
+    /// `control` is for questions; it and the marks outlive the guard.
+    X11FocusGuard(X11KeyboardControl& control, const X11PostingMarks& marks, FocusTarget target);
     /// Gives the focus back to whoever took it in the middle.
     ~X11FocusGuard();
     X11FocusGuard(const X11FocusGuard&) = delete;
@@ -38,6 +39,7 @@ private:
     [[nodiscard]] bool takeFocusBack(X11KeyboardControl& control);
 
     X11KeyboardControl& control_;
+    const X11PostingMarks& marks_;
     FocusTarget target_;
     xcb_window_t window_ = XCB_NONE; ///< what had the focus within the target
     std::optional<X11Focus> takenBy_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/linux/x11/x11_focus_watch.h"
 
+#include "host/linux/x11/x11_focus.h"
+
 #include <xcb/xcbext.h>
 
 #include <utility>
@@ -13,7 +15,7 @@ void X11FocusWatch::start() {
     const XcbPtr<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     if (focus)
-        follow(focus->focus);
+        setFocus(focus->focus);
     // Where there is no other window to focus, the root or nothing gets it.
     for (auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)); screen.rem > 0;
          xcb_screen_next(&screen))
@@ -30,15 +32,20 @@ X11FocusWatch::Change X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
         if (!event.isIn && grab_ == Grab::none) {
             const std::uint32_t mask = xcb_get_setup(connection_)->resource_id_mask;
             const std::uint32_t client = std::exchange(grabbingClient_, 0);
-            grab_ = client != 0 && (event.window & ~mask) == client ? Grab::own : Grab::foreign;
+            const bool isOwn = client != 0 && (event.window & ~mask) == client;
+            if (isOwn && isTextLast_) {
+                grab_ = Grab::popup;
+                return Change::none;
+            }
+            grab_ = isOwn ? Grab::own : Grab::foreign;
             return Change::grab;
         }
         return Change::none;
     case XCB_NOTIFY_MODE_UNGRAB:
         if (event.isIn && grab_ != Grab::none) {
-            grab_ = Grab::none;
+            const Grab before = std::exchange(grab_, Grab::none);
             askForFocus();
-            return Change::grab;
+            return before == Grab::popup ? Change::none : Change::grab;
         }
         return Change::none;
     default:
@@ -52,12 +59,12 @@ X11FocusWatch::Change X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {
         askForFocus();
         // Between a window and one inside it: the focus stays where it is for a person, unless it
         // is the root that has it now or had it.
-        return (event.detail != XCB_NOTIFY_DETAIL_ANCESTOR &&
-                event.detail != XCB_NOTIFY_DETAIL_VIRTUAL &&
-                event.detail != XCB_NOTIFY_DETAIL_INFERIOR) ||
-                       isRoot(event.window)
-                   ? Change::window
-                   : Change::none;
+        if (!isRoot(event.window) && (event.detail == XCB_NOTIFY_DETAIL_ANCESTOR ||
+                                      event.detail == XCB_NOTIFY_DETAIL_VIRTUAL ||
+                                      event.detail == XCB_NOTIFY_DETAIL_INFERIOR))
+            return Change::none;
+        isTextLast_ = false;
+        return Change::window;
     }
 }
 
@@ -85,7 +92,7 @@ void X11FocusWatch::processReplies() {
         static_cast<xcb_get_input_focus_reply_t*>(reply));
     const XcbPtr<xcb_generic_error_t> ignored(error);
     if (focus)
-        follow(focus->focus);
+        setFocus(focus->focus);
 }
 
 void X11FocusWatch::askForFocus() {
@@ -93,6 +100,16 @@ void X11FocusWatch::askForFocus() {
         xcb_discard_reply(connection_, question_->sequence);
     question_ = xcb_get_input_focus(connection_);
     xcb_flush(connection_);
+}
+
+bool X11FocusWatch::hasPointerMovedOn() {
+    const FocusTarget now = readFocus(connection_).target;
+    return std::exchange(underPointer_, now) != now;
+}
+
+void X11FocusWatch::setFocus(xcb_window_t window) {
+    followsPointer_ = window == XCB_INPUT_FOCUS_POINTER_ROOT || isRoot(window);
+    follow(window);
 }
 
 void X11FocusWatch::follow(xcb_window_t window) {

@@ -43,7 +43,7 @@ X11KeyboardHold::X11KeyboardHold(X11EventPoster& poster, FocusTarget target)
     : poster_(poster), marked_(*poster.marked_), unmarked_(*poster.unmarked_) {
     const std::lock_guard lock(poster_.mutex_);
     unmarked_.setOnOtherEvent([this](const xcb_generic_event_t& event) { addHeldEvent(event); });
-    focus_.emplace(marked_, target);
+    focus_.emplace(marked_, poster_.marks_, target);
     if (!marked_.synchronize())
         return;
     grabKeyboards();
@@ -177,6 +177,8 @@ void X11KeyboardHold::undoStickyKeys() {
 }
 
 bool X11KeyboardHold::settle() {
+    if (!poster_.marks_.hasTap) // nothing is recorded
+        return true;
     const std::uint8_t fence = poster_.marks_.nextFence();
     {
         const std::lock_guard lock(poster_.mutex_);

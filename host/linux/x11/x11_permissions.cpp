@@ -2,7 +2,6 @@
 #include "host/linux/x11/x11_permissions.h"
 
 #include <xcb/record.h>
-#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 namespace kelvora {
@@ -12,7 +11,7 @@ bool X11Permissions::isAccessibilityTrusted() {
 }
 
 bool X11Permissions::mayListenToEvents() {
-    return hasExtension(&xcb_record_id) || hasExtension(&xcb_input_id);
+    return hasExtension(&xcb_record_id);
 }
 
 void X11Permissions::processEvents() {

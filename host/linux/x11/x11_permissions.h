@@ -14,7 +14,7 @@ public:
 
     /// XTEST is there.
     [[nodiscard]] bool isAccessibilityTrusted() override;
-    /// RECORD or XInput is there.
+    /// RECORD is there. XInput alone tells of the double tap, but not of what was typed.
     [[nodiscard]] bool mayListenToEvents() override;
 
     // An X server asks nobody: there is no prompt to show, and what it refuses stays refused until

@@ -24,6 +24,12 @@ public:
     /// The source of the last key press that was not ours: another program's XTEST keys, or a
     /// keyboard.
     std::atomic<bool> userTypesThroughXTest{false};
+    /// The focused application holds the keyboard for a list of completions, and passes on what is
+    /// typed.
+    std::atomic<bool> isPopupOpen{false};
+
+    /// A tap listens: fences will pass.
+    std::atomic<bool> hasTap{false};
 
     /// The number for the next fence, a NoOperation of the marked client.
     [[nodiscard]] std::uint8_t nextFence() {

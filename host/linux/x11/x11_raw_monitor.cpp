@@ -58,7 +58,7 @@ X11RawMonitor::X11RawMonitor(XcbConnectionPtr connection, std::unique_ptr<X11Key
               if ((mask_ & eventMaskBit(event.type)) != 0)
                   handler_(event);
           },
-          [] {}),
+          [](FocusChange /*change*/) {}),
       connection_(std::move(connection)), keymap_(std::move(keymap)) {}
 
 void X11RawMonitor::processEvents() {

@@ -16,6 +16,7 @@ namespace {
 // Values of the RECORD protocol's reply categories.
 constexpr std::uint8_t fromServer = 0;
 constexpr std::uint8_t fromClient = 1;
+constexpr std::uint8_t endOfData = 5;
 
 constexpr std::uint8_t extensionDeviceKeyPress = 1; // offsets from XInput's first event code
 constexpr std::uint8_t extensionDeviceKeyRelease = 2;
@@ -146,7 +147,12 @@ int X11RecordStream::descriptor() const {
     return xcb_get_file_descriptor(data_.get());
 }
 
-bool X11RecordStream::process() {
+bool X11RecordStream::isConnected() const {
+    return xcb_connection_has_error(control_.get()) == 0 &&
+           xcb_connection_has_error(data_.get()) == 0;
+}
+
+void X11RecordStream::process() {
     // MappingNotify comes unasked to every connection.
     for (xcb_connection_t* connection : {control_.get(), data_.get()})
         while (XcbPtr<xcb_generic_event_t>(xcb_poll_for_event(connection)))
@@ -159,10 +165,10 @@ bool X11RecordStream::process() {
             static_cast<xcb_record_enable_context_reply_t*>(rawReply));
         const XcbPtr<xcb_generic_error_t> error(rawError);
         if (known == 0)
-            return xcb_connection_has_error(data_.get()) == 0;
-        if (!reply) {
+            return;
+        if (!reply || reply->category == endOfData) {
             enabled_ = false;
-            return false;
+            return;
         }
         if (reply->client_swapped != 0)
             continue;
@@ -174,7 +180,6 @@ bool X11RecordStream::process() {
         else if (reply->category == fromClient)
             dispatchRequests(reply->xid_base, bytes);
     }
-    return true;
 }
 
 void X11RecordStream::dispatchEvents(std::span<const std::byte> data) {

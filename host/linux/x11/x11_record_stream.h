@@ -66,9 +66,11 @@ public:
     [[nodiscard]] bool isEnabled() const { return enabled_; }
 
     [[nodiscard]] int descriptor() const;
-    /// Hands everything that has arrived to the listener. Does not wait. False when the stream has
-    /// ended by itself: the server is gone or refused.
-    bool process();
+    /// False when the server is gone.
+    [[nodiscard]] bool isConnected() const;
+    /// Hands everything that has arrived to the listener. Does not wait. The stream is not enabled
+    /// any more when the server has ended it.
+    void process();
 
 private:
     struct Majors {

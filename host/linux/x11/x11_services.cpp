@@ -19,10 +19,12 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
     services->permissions_ = std::make_unique<X11Permissions>(std::move(forPermissions));
     services->workspace_ =
         X11Workspace::create(display.c_str(), DesktopEntries(standardApplicationDirectories()));
-    services->eventPoster_ = X11EventPoster::create(display, services->marks_);
+    const bool mayPost = services->permissions_->isAccessibilityTrusted();
+    if (mayPost)
+        services->eventPoster_ = X11EventPoster::create(display, services->marks_);
     services->pasteboard_ = X11Pasteboard::create(display.c_str());
     services->applicationProbe_ = X11ApplicationProbe::create(display.c_str());
-    if (!services->inputSources_ || !services->workspace_ || !services->eventPoster_ ||
+    if (!services->inputSources_ || !services->workspace_ || (mayPost && !services->eventPoster_) ||
         !services->pasteboard_ || !services->applicationProbe_)
         return nullptr;
     services->displayEvents_ = std::make_unique<X11DisplayEvents>(std::move(forDisplays), loop);
@@ -32,7 +34,8 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
     services->eventSource_ = std::make_unique<X11EventSource>(
         display, loop, services->marks_,
         X11EventSource::Callbacks{
-            .onFocusChanged = [&self] { self.workspace_->notifyFocusChanged(); },
+            .onFocusChanged =
+                [&self](FocusChange change) { self.workspace_->notifyFocusChanged(change); },
             .onServerGone = [&self] { self.reportServerGone(); },
         },
         &secureEntry);
@@ -44,7 +47,8 @@ std::unique_ptr<X11Services> X11Services::create(const std::string& display, Eve
 void X11Services::processLayoutNotices() {
     inputSources_->processEvents();
     // The same changes are told to the others, who do not watch their connections.
-    eventPoster_->processEvents();
+    if (eventPoster_)
+        eventPoster_->processEvents();
     permissions_->processEvents();
     if (!inputSources_->isConnected()) {
         layoutWatch_.reset();

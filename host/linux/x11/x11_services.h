@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/linux/event_loop.h"
+#include "host/linux/x11/absent_event_poster.h"
 #include "host/linux/x11/clipboard/x11_pasteboard.h"
 #include "host/linux/x11/x11_application_probe.h"
 #include "host/linux/x11/x11_display_events.h"
@@ -26,14 +27,17 @@ namespace kelvora {
 class X11Services {
 public:
     /// `onServerGone` is called once, on the main thread. Null when the server cannot be reached or
-    /// lacks XKB, XTEST or XFIXES. The loop and the secure entry outlive the services.
+    /// lacks XKB or XFIXES. Without XTEST there is no permission to post, and nothing is posted.
+    /// The loop and the secure entry outlive the services.
     [[nodiscard]] static std::unique_ptr<X11Services> create(const std::string& display,
                                                              EventLoop& loop,
                                                              SecureEntry& secureEntry,
                                                              std::function<void()> onServerGone);
 
     [[nodiscard]] EventSource& eventSource() { return *eventSource_; }
-    [[nodiscard]] EventPoster& eventPoster() { return *eventPoster_; }
+    [[nodiscard]] EventPoster& eventPoster() {
+        return eventPoster_ ? static_cast<EventPoster&>(*eventPoster_) : absentPoster_;
+    }
     [[nodiscard]] InputSources& inputSources() { return *inputSources_; }
     [[nodiscard]] KeyTranslator& keyTranslator() { return keyTranslator_; }
     [[nodiscard]] Workspace& workspace() { return *workspace_; }
@@ -52,7 +56,8 @@ private:
     X11PostingMarks marks_;
     KeyLayoutReader keyTranslator_;
     std::unique_ptr<X11EventSource> eventSource_;
-    std::unique_ptr<X11EventPoster> eventPoster_;
+    AbsentEventPoster absentPoster_;
+    std::unique_ptr<X11EventPoster> eventPoster_; ///< null without XTEST
     std::unique_ptr<X11InputSources> inputSources_;
     std::unique_ptr<X11Workspace> workspace_;
     std::unique_ptr<X11Permissions> permissions_;

@@ -100,13 +100,13 @@ FocusTarget X11Workspace::focusTarget() {
     return readFocus(connection_.get()).target;
 }
 
-void X11Workspace::setOnFocusChanged(std::function<void()> handler) {
+void X11Workspace::setOnFocusChanged(std::function<void(FocusChange)> handler) {
     onFocusChanged_ = std::move(handler);
 }
 
-void X11Workspace::notifyFocusChanged() {
+void X11Workspace::notifyFocusChanged(FocusChange change) {
     if (onFocusChanged_)
-        onFocusChanged_();
+        onFocusChanged_(change);
 }
 
 /// MappingNotify comes unasked; it must not pile up.

@@ -26,10 +26,10 @@ public:
     [[nodiscard]] std::optional<FrontmostApplication> frontmostApplication() override;
     /// As readFocus() tells it.
     [[nodiscard]] FocusTarget focusTarget() override;
-    void setOnFocusChanged(std::function<void()> handler) override;
+    void setOnFocusChanged(std::function<void(FocusChange)> handler) override;
 
     /// For the source of the key events, which learns of the focus in order with them.
-    void notifyFocusChanged();
+    void notifyFocusChanged(FocusChange change);
 
 private:
     struct Atoms {
@@ -52,7 +52,7 @@ private:
     XcbConnectionPtr connection_;
     DesktopEntries entries_;
     Atoms atoms_;
-    std::function<void()> onFocusChanged_;
+    std::function<void(FocusChange)> onFocusChanged_;
 };
 
 } // namespace kelvora

@@ -180,7 +180,7 @@ TEST_F(LifecycleTest, WakeOfMachineOrDisplayBeginsAnew) {
 TEST_F(LifecycleTest, SessionThatResignsForgetsAndConvertsNothing) {
     typeAndTapOnce();
     const EventTap* const tap = app->hotkey().eventTap();
-    desktop.lifecycle.isSessionActive = false;
+    desktop.lifecycle.isSessionLocked = true;
     desktop.lifecycle.onResignedActive();
     EXPECT_EQ(recorded(), u"");
     desktop.tap(keyCode::leftShift);
@@ -191,11 +191,27 @@ TEST_F(LifecycleTest, SessionThatResignsForgetsAndConvertsNothing) {
 
     switchTapOff();
     desktop.permissions.inputMonitoring = false;
-    desktop.lifecycle.isSessionActive = true;
+    desktop.lifecycle.isSessionLocked = false;
     desktop.lifecycle.onBecameActive();
     EXPECT_FALSE(app->model().inputMonitoringGranted());
     EXPECT_TRUE(isTapOn());
     EXPECT_EQ(app->hotkey().eventTap(), tap) << "a tap that is there is only enabled";
+}
+
+TEST_F(LifecycleTest, AWindowBetweenTheTapsEndsTheTextAndAGrabTheTapToo) {
+    typeAndTapOnce();
+    desktop.windows.focus(fake::Windows::otherEditor);
+    desktop.tap(keyCode::leftShift);
+    desktop.run();
+    EXPECT_EQ(app->model().doubleTapCount(), 1);
+    EXPECT_EQ(recorded(), u"");
+
+    typeAndTapOnce();
+    for (const bool isGrabbed : {true, false})
+        desktop.windows.setGrabbed(isGrabbed);
+    desktop.tap(keyCode::leftShift);
+    desktop.run();
+    EXPECT_EQ(app->model().doubleTapCount(), 1) << "its end may have come unseen";
 }
 
 TEST_F(LifecycleTest, AccessibilityChangeIsTakenUpAtOnce) {

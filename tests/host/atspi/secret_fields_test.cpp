@@ -106,7 +106,7 @@ protected:
     X11EventSource source_{desktop_.environment().at("DISPLAY"),
                            loop_,
                            marks_,
-                           {.onFocusChanged = [] {}, .onServerGone = {}},
+                           {.onFocusChanged = [](FocusChange /*change*/) {}, .onServerGone = {}},
                            &entry_};
     std::string seen_; ///< text, and "^" for Shift without
     std::unique_ptr<EventTap> tap_ =

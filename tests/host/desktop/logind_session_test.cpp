@@ -36,12 +36,12 @@ TEST(LogindSession, TellsWhatConcernsThisSession) {
     const auto logind = MainLoopBus::open(MainLoopBus::Which::system, loop);
     const LogindSession early(loop, ""); // a bus without logind, which comes later
     EXPECT_FALSE(turnUntil(
-        loop, [&] { return !early.isActive(); }, std::chrono::milliseconds(100)));
+        loop, [&] { return early.isLocked(); }, std::chrono::milliseconds(100)));
     sd_bus_add_fallback(logind->handle(), nullptr, manager, onCall, nullptr);
     ASSERT_GE(sd_bus_request_name(logind->handle(), "org.freedesktop.login1", 0), 0);
     for (const char* id : {"", "of-an-earlier-login"}) {
         LogindSession session(loop, id);
-        EXPECT_TRUE(turnUntil(loop, [&] { return !session.isActive(); })) << id;
+        EXPECT_TRUE(turnUntil(loop, [&] { return session.isLocked(); })) << id;
     }
 
     std::string told;

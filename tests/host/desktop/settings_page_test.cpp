@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <utility>
 
 namespace kelvora {
 namespace {
@@ -41,11 +42,12 @@ TEST(SettingsPages, CommandsOfTheRunningDesktop) {
 
 TEST(SettingsPages, StartsTheFirstProgramThatIsThereWithoutThisProgramsSignals) {
     const TemporaryDirectory directory;
-    directory.write("systemsettings5",
-                    "#!/bin/sh\n"
-                    "{ echo \"$@\"; grep -E 'Sig(Blk|Ign)' /proc/self/status; }"
-                    " > \"${0%/*}/started\"; mv \"${0%/*}/started\" \"${0%/*}/done\"\n");
-    fs::permissions(directory.path / "systemsettings5", fs::perms::owner_all);
+    for (const char* name : {"systemsettings5", "xdg-open"}) {
+        directory.write(name, "#!/bin/sh\n"
+                              "{ echo \"$@\"; grep -E 'Sig(Blk|Ign)' /proc/self/status; }"
+                              " > \"$0-started\"; mv \"$0-started\" \"$0-done\"\n");
+        fs::permissions(directory.path / name, fs::perms::owner_all);
+    }
     const std::string path = directory.path.string() + ":/usr/bin:/bin";
     const ScopedVariable search("PATH", path.c_str());
     sigset_t termination;
@@ -56,19 +58,25 @@ TEST(SettingsPages, StartsTheFirstProgramThatIsThereWithoutThisProgramsSignals) 
     const auto previous = std::signal(SIGXFSZ, SIG_IGN);
     fake::RecordingLog log;
 
-    EXPECT_TRUE(SettingsPages("KDE", log).open(std::string(prefix) + "Privacy_Accessibility"));
+    SettingsPages pages("KDE", log);
+    EXPECT_TRUE(pages.open(std::string(prefix) + "Privacy_Accessibility"));
+    EXPECT_TRUE(pages.open("file:///a%20b/index.html"));
     sigprocmask(SIG_SETMASK, &before, nullptr);
     std::signal(SIGXFSZ, previous);
-    ASSERT_TRUE(real::waitUntil([&] { return fs::exists(directory.path / "done"); }));
-    EXPECT_EQ(directory.read("done"), "kcm_access\nSigBlk:\t0000000000000000\n"
-                                      "SigIgn:\t0000000000000000\n");
+    const std::string signals = "\nSigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n";
+    for (const auto& [program, arguments] :
+         {std::pair("systemsettings5", "kcm_access"), {"xdg-open", "file:///a%20b/index.html"}}) {
+        const std::string done = std::string(program) + "-done";
+        ASSERT_TRUE(real::waitUntil([&] { return fs::exists(directory.path / done); })) << program;
+        EXPECT_EQ(directory.read(done), arguments + signals);
+    }
     EXPECT_TRUE(log.lines().empty());
 
     for (const char* desktop : {"GNOME", "Openbox"}) { // not installed; not known
         EXPECT_FALSE(
             SettingsPages(desktop, log).open(std::string(prefix) + "Privacy_Accessibility"));
     }
-    EXPECT_FALSE(SettingsPages("KDE", log).open("file:///etc/passwd"));
+    EXPECT_FALSE(pages.open("ftp://example.org/"));
     EXPECT_EQ(log.messages("Settings", LogLevel::error).size(), 3U);
 }
 

@@ -12,6 +12,7 @@
 #include <regex>
 #include <sstream>
 #include <thread>
+#include <xcb/record.h>
 
 namespace kelvora {
 namespace {
@@ -27,15 +28,17 @@ struct Case {
 /// A person and a program at one keyboard. Steps are words: "q" and "w" are keys struck, "+w" and
 /// "-w" one that goes down and up, "+S" and "-S" the same of Shift, ".." a while; "[" and "]" begin
 /// and end a hold, ":ab" posts; "=ab" tells what the editor shows by then; "other" moves the focus
-/// to the other editor; "own", "menu" and "brief" are grabs of the focused editor, of the other
-/// one, and for a moment, "free" ends them; "off" and "on" switch the tap; from "xtest" on the keys
-/// are another program's; "failed" and "good" tell the state of the hold.
+/// to the other editor, "pointer" has it follow the pointer, which goes "away" from both; "own",
+/// "menu" and "brief" are grabs of the focused editor, of the other one, and for a moment, "free"
+/// ends them; "off" and "on" switch the tap, "ended" makes the server end it; from "xtest" on the
+/// keys are another program's; "failed" and "good" tell the state of the hold.
 class X11Hold : public testing::TestWithParam<std::tuple<KeySource, Case>> {
 protected:
     X11Hold() {
         rig.keyboard().setSource(std::get<0>(GetParam()));
         tap->setEnabled(true);
-        rig.services().workspace.setOnFocusChanged([this] { recorded += '!'; });
+        rig.services().workspace.setOnFocusChanged(
+            [this](FocusChange /*change*/) { recorded += '!'; });
     }
     ~X11Hold() override { rig.services().workspace.setOnFocusChanged(nullptr); }
 
@@ -48,10 +51,14 @@ protected:
             {"on", [this] { tap->setEnabled(true); }},
             {"off", [this] { tap->setEnabled(false); }},
             {"xtest", [this] { rig.keyboard().setSource(KeySource::synthetic); }},
+            {"ended", [this] { endRecording(); }},
             {"other", [this] { rig.focusOtherEditor(); }},
             {"own", [this] { rig.editor().grabKeyboard(); }},
             {"menu", [this] { rig.other().grabKeyboard(); }},
             {"brief", [this] { grabForAMoment(); }},
+            {"click", [this] { rig.click(); }},
+            {"pointer", [this] { followPointer(); }},
+            {"away", [this] { movePointer(500); }},
             {"free", [this] { rig.editor().ungrabKeyboard(), rig.other().ungrabKeyboard(); }},
             {"..", [] {}}};
         const KeyCode key = word.back() == 'S'   ? keyCode::leftShift
@@ -74,12 +81,31 @@ protected:
         hold = rig.services().eventPoster.holdKeyboard(target);
         EXPECT_TRUE(hold->settle());
     }
+    void followPointer() {
+        movePointer(50); // to where the other editor lies above the first
+        XSetInputFocus(rig.xlib(), PointerRoot, RevertToPointerRoot, CurrentTime);
+        XSync(rig.xlib(), False);
+    }
+    void movePointer(int place) {
+        XWarpPointer(rig.xlib(), 0, DefaultRootWindow(rig.xlib()), 0, 0, 0, 0, place, place);
+        XSync(rig.xlib(), False);
+    }
     void grabForAMoment() {
         rig.other().grabKeyboard();
         menu = std::jthread([this] {
             std::this_thread::sleep_for(std::chrono::milliseconds(400));
             rig.other().ungrabKeyboard();
         });
+    }
+    /// Takes the tap's RECORD context from it; it is the first resource of its client.
+    void endRecording() {
+        const XcbConnectionPtr connection = connectX11(DisplayString(rig.xlib()));
+        const std::uint32_t mask = xcb_get_setup(connection.get())->resource_id_mask;
+        for (std::uint32_t client = 1; client < 128; ++client)
+            xcb_record_free_context(connection.get(), client * (mask + 1));
+        const XcbPtr<xcb_get_input_focus_reply_t> done(xcb_get_input_focus_reply(
+            connection.get(), xcb_get_input_focus(connection.get()), nullptr));
+        EXPECT_TRUE(rig.becomes([this] { return !tap->isEnabled(); }));
     }
     void post(std::u16string_view text) {
         auto event = rig.services().eventPoster.createKeyEvent(0, KeyDirection::down);
@@ -131,7 +157,13 @@ const Case cases[] = {
     // What is typed into another program's grab is nobody's text.
     {"Menu", "q menu q free w", "qw", "q", "q!!w"},
     {"MenuThatWasOpenBefore", "off menu on q free w", "w", "q", "!*w"},
-    {"OwnGrab", "q own w [ :ab good ] free menu q free", "qwab", "q", "q!*w!*"},
+    {"NoTap", "q .. off [ :ab good ] w", "qabw", "", "q"},
+    {"TapThatTheServerEnds", "q ended w on [ :ab ] q", "qwabq", "", "q!q"},
+    // What an application takes for itself in answer to text is still typed into its text.
+    {"Completions", "q own w [ :ab good ] free w menu q free", "qwabw", "q", "qww!!"},
+    {"CompletionsInTheMiddle", "q [ :ab own :cd good ] free w", "qabcdw", "", "qw"},
+    {"Prompt", "q click own w [ :ab good ] free q", "qwabq", "", "q!!q"},
+    {"FocusThatFollowsThePointer", "q pointer q .. away w", "q", "q", "q!+q!+w"},
 };
 INSTANTIATE_TEST_SUITE_P(Each, X11Hold,
                          testing::Combine(testing::Values(KeySource::physical,

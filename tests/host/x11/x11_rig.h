@@ -40,7 +40,8 @@ public:
         keyboard_ = std::make_unique<real::Keyboard>(xlib_);
         keyboard_->setSource(real::KeySource::physical);
         editor_.focus();
-        services_ = X11Services::create(server_.display(), loop_, secureEntry_, [] {});
+        services_ = X11Services::create(server_.display(), loop_, secureEntry_,
+                                        [] { ADD_FAILURE() << "the server is not gone"; });
     }
     ~X11Rig() override {
         services_.reset();

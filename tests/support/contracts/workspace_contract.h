@@ -16,7 +16,7 @@ protected:
 
 TEST_P(WorkspaceContract, FocusChangesAreToldInOrderWithTheKeys) {
     std::u16string order;
-    workspace.setOnFocusChanged([&] { order += u'|'; });
+    workspace.setOnFocusChanged([&](FocusChange /*change*/) { order += u'|'; });
     const auto tap = rig->services().eventSource.createTap(
         eventMaskBit(EventType::keyDown),
         [&](const InputEvent& event) { order += event.text.view(); });

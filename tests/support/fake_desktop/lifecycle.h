@@ -21,14 +21,14 @@ struct Lifecycle final
     using Recorder::Recorder;
     using Handler = std::function<void()>;
 
-    bool isSessionActive = true;
+    bool isSessionLocked = false;
     Handler onReplaced, onReopen, onWake, onDisplayWake, onBecameActive, onResignedActive,
         onAccessibilityChanged;
 
     void setOnReplaced(Handler handler) override { onReplaced = std::move(handler); }
     void setOnReopen(Handler handler) override { onReopen = std::move(handler); }
     void claim() override { calls_.emplace_back("claim"); }
-    [[nodiscard]] bool isActive() const override { return isSessionActive; }
+    [[nodiscard]] bool isLocked() const override { return isSessionLocked; }
     void setOnWake(Handler handler) override { onWake = std::move(handler); }
     void setOnBecameActive(Handler handler) override { onBecameActive = std::move(handler); }
     void setOnResignedActive(Handler handler) override { onResignedActive = std::move(handler); }

@@ -30,14 +30,14 @@ public:
     /// 0: nothing has the focus.
     void focus(std::uint64_t window) {
         focused_ = window;
-        focusChanged();
+        focusChanged(FocusChange::keysSeen);
     }
     /// The desktop cannot tell what has the focus; keys go there all the same.
     void setNameless(bool isNameless) { isNameless_ = isNameless; }
     /// Another client takes the whole keyboard, as a locker does, or gives it back.
     void setGrabbed(bool grabbed) {
         grabbed_ = grabbed;
-        focusChanged();
+        focusChanged(FocusChange::keysMissed);
     }
     [[nodiscard]] bool isGrabbed() const { return grabbed_; }
 
@@ -57,15 +57,15 @@ public:
         return found == applications.end() ? std::nullopt : std::optional(found->second);
     }
     [[nodiscard]] FocusTarget focusTarget() override { return {isNameless_ ? 0 : focused_}; }
-    void setOnFocusChanged(std::function<void()> handler) override {
+    void setOnFocusChanged(std::function<void(FocusChange)> handler) override {
         onFocusChanged_ = std::move(handler);
     }
 
 private:
-    void focusChanged() {
-        notifyInOrder([this] {
+    void focusChanged(FocusChange change) {
+        notifyInOrder([this, change] {
             if (onFocusChanged_)
-                onFocusChanged_();
+                onFocusChanged_(change);
         });
     }
 
@@ -75,7 +75,7 @@ private:
     std::uint64_t focused_ = editor;
     bool grabbed_ = false;
     bool isNameless_ = false;
-    std::function<void()> onFocusChanged_;
+    std::function<void(FocusChange)> onFocusChanged_;
 };
 
 } // namespace kelvora::fake

@@ -10,19 +10,19 @@
 
 namespace kelvora::real {
 
-XServer::XServer() {
+XServer::XServer(const std::vector<std::string>& options) {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) {
         std::perror("pipe");
         std::abort();
     }
-    ChildProcess::Options options;
-    options.environment = {{"PATH", "/usr/bin:/bin"}};
-    options.inheritedDescriptor = ends[1];
+    std::vector<std::string> command{"Xvfb",      "-displayfd", std::to_string(ends[1]),
+                                     "-screen",   "0",          "1600x1000x24",
+                                     "-nolisten", "tcp",        "-noreset"};
+    command.insert(command.end(), options.begin(), options.end());
     process_ = std::make_unique<ChildProcess>(
-        std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0",
-                                 "1600x1000x24", "-nolisten", "tcp", "-noreset"},
-        options);
+        command, ChildProcess::Options{.environment = {{"PATH", "/usr/bin:/bin"}},
+                                       .inheritedDescriptor = ends[1]});
     close(ends[1]);
 
     // The server writes the number of its display, and a line break, once it takes connections.

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace kelvora::real {
 
@@ -12,7 +13,7 @@ namespace kelvora::real {
 class XServer {
 public:
     /// Returns once the server takes connections. Aborts the test program when it does not start.
-    XServer();
+    explicit XServer(const std::vector<std::string>& options = {});
 
     /// What belongs into DISPLAY, for example ":7".
     [[nodiscard]] const std::string& display() const { return display_; }
