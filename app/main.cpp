@@ -50,8 +50,10 @@ constexpr const char* waylandLimit =
 /// What people type is in this process's memory: it must not get into a core dump, nor be read by
 /// other programs of the same user.
 void forbidDumps() {
-    const rlimit none{0, 0};
-    setrlimit(RLIMIT_CORE, &none);
+    rlimit size{};
+    getrlimit(RLIMIT_CORE, &size);
+    size.rlim_cur = 0; // the hard limit would bind the programs that are started from here, too
+    setrlimit(RLIMIT_CORE, &size);
     prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
 }
 
@@ -140,7 +142,7 @@ int main(int argc, char** argv) {
     });
     if (!services) {
         log.write(LogLevel::error, category,
-                  "The X server at DISPLAY=" + display + " lacks XKEYBOARD, XTEST or XFIXES.");
+                  "The X server at DISPLAY=" + display + " lacks XKEYBOARD or XFIXES.");
         return EX_UNAVAILABLE;
     }
     const auto signalWatch = loop.watchReadable(signalFile, [] { QCoreApplication::exit(0); });
@@ -155,7 +157,7 @@ int main(int argc, char** argv) {
     BusNameInstance instance(loop, log);
     LogindSession session(loop, std::string(environment("XDG_SESSION_ID")));
     QtTimers timers;
-    QtUserInterface interface(services->trayArea(), services->windowActivation());
+    QtUserInterface interface(services->trayArea(), services->windowActivation(), settingsPages);
 
     // Last made, first to end: a conversion under way completes before anything that it uses goes.
     QtDispatch dispatch;

@@ -4,7 +4,6 @@
 #include "app/ui/kelvora_links.h"
 
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QStandardPaths>
 #include <QVariantMap>
@@ -25,8 +24,8 @@ QString inUsersLanguage(const char* context, std::string_view text) {
 
 } // namespace
 
-PreferencesModel::PreferencesModel(AppModel& model, QObject* parent)
-    : QObject(parent), model_(model),
+PreferencesModel::PreferencesModel(AppModel& model, AddressOpener& addressOpener)
+    : model_(model), addressOpener_(addressOpener),
       observation_(model.observe([this](AppModelProperty property) { announce(property); })) {}
 
 QVariantList PreferencesModel::inputSources() const {
@@ -69,7 +68,7 @@ void PreferencesModel::openPrivacyPane(const QString& anchor) {
 }
 
 void PreferencesModel::openHowTo() {
-    QDesktopServices::openUrl(KelvoraLinks::howTo());
+    addressOpener_.open(KelvoraLinks::howTo().toEncoded().toStdString());
 }
 
 QString PreferencesModel::hotkeyStatus() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/shell/app_model.h"
+#include "host/address_opener.h"
 
 #include <QObject>
 #include <QString>
@@ -45,8 +46,8 @@ class PreferencesModel final : public QObject {
     Q_PROPERTY(QUrl applicationFile READ applicationFile CONSTANT)
 
 public:
-    /// `model` outlives this object.
-    explicit PreferencesModel(AppModel& model, QObject* parent = nullptr);
+    /// Both outlive this object.
+    PreferencesModel(AppModel& model, AddressOpener& addressOpener);
 
     [[nodiscard]] bool isEnabled() const { return model_.isEnabled(); }
     void setIsEnabled(bool isEnabled) { model_.setIsEnabled(isEnabled); }
@@ -100,6 +101,7 @@ private:
     void announce(AppModelProperty property);
 
     AppModel& model_;
+    AddressOpener& addressOpener_;
     AppModelObservation observation_;
 };
 

@@ -20,8 +20,8 @@ QString moduleFile() {
 } // namespace
 
 std::unique_ptr<PreferencesWindow>
-PreferencesWindow::create(AppModel& model, std::span<const Menu> menus,
-                          std::function<void(MenuAction)> onAction) {
+PreferencesWindow::create(AppModel& model, AddressOpener& addressOpener,
+                          std::span<const Menu> menus, std::function<void(MenuAction)> onAction) {
     QPluginLoader loader(moduleFile());
     auto* module = qobject_cast<PreferencesModule*>(loader.instance());
     if (module == nullptr) {
@@ -30,7 +30,7 @@ PreferencesWindow::create(AppModel& model, std::span<const Menu> menus,
         return nullptr;
     }
     std::unique_ptr<PreferencesWindow> preferences(new PreferencesWindow);
-    preferences->model_ = std::make_unique<PreferencesModel>(model);
+    preferences->model_ = std::make_unique<PreferencesModel>(model, addressOpener);
     preferences->menus_ = std::make_unique<MainMenu>(menus, std::move(onAction));
     preferences->window_ = module->makeWindow(*preferences->model_, *preferences->menus_);
     return preferences->window_ ? std::move(preferences) : nullptr;

@@ -12,6 +12,7 @@
 
 namespace kelvora {
 
+class AddressOpener;
 class AppModel;
 
 /// The window with the preferences and what it shows. Main thread only.
@@ -19,7 +20,8 @@ class PreferencesWindow {
 public:
     /// Loads what the window needs, which takes a moment. Null when that is not installed.
     [[nodiscard]] static std::unique_ptr<PreferencesWindow>
-    create(AppModel& model, std::span<const Menu> menus, std::function<void(MenuAction)> onAction);
+    create(AppModel& model, AddressOpener& addressOpener, std::span<const Menu> menus,
+           std::function<void(MenuAction)> onAction);
 
     [[nodiscard]] QWindow& window() { return *window_; }
 

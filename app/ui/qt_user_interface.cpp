@@ -13,8 +13,9 @@
 
 namespace kelvora {
 
-QtUserInterface::QtUserInterface(TrayArea& trayArea, WindowActivation& windowActivation)
-    : trayArea_(trayArea), windowActivation_(windowActivation) {
+QtUserInterface::QtUserInterface(TrayArea& trayArea, WindowActivation& windowActivation,
+                                 AddressOpener& addressOpener)
+    : trayArea_(trayArea), windowActivation_(windowActivation), addressOpener_(addressOpener) {
     activation_.setSingleShot(true);
     activation_.callOnTimeout([this] { presentVisibleWindows(windowActivation_); });
     termination_.setSingleShot(true);
@@ -59,7 +60,7 @@ void QtUserInterface::perform(MenuAction action) const {
 
 void QtUserInterface::showPreferences(AppModel& model) {
     if (!preferences_)
-        preferences_ = PreferencesWindow::create(model, mainMenu_,
+        preferences_ = PreferencesWindow::create(model, addressOpener_, mainMenu_,
                                                  [this](MenuAction action) { perform(action); });
     if (preferences_)
         presentWindow(preferences_->window(), windowActivation_);

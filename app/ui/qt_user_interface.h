@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/shell/user_interface.h"
+#include "host/address_opener.h"
 #include "host/tray_area.h"
 #include "host/window_activation.h"
 
@@ -19,8 +20,9 @@ class StatusItem;
 /// The interface in Qt. Needs a QApplication, which exists before and after it.
 class QtUserInterface final : public UserInterface {
 public:
-    /// Both outlive the interface.
-    QtUserInterface(TrayArea& trayArea, WindowActivation& windowActivation);
+    /// They outlive the interface.
+    QtUserInterface(TrayArea& trayArea, WindowActivation& windowActivation,
+                    AddressOpener& addressOpener);
     ~QtUserInterface() override;
 
     void becomeAccessory() override;
@@ -37,6 +39,7 @@ private:
 
     TrayArea& trayArea_;
     WindowActivation& windowActivation_;
+    AddressOpener& addressOpener_;
     std::span<const Menu> mainMenu_;
     std::function<void(MenuAction)> onMenuAction_;
     std::unique_ptr<StatusItem> statusItem_;

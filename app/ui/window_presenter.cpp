@@ -5,6 +5,8 @@
 #include <QGuiApplication>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace kelvora {
 namespace {
 
@@ -30,8 +32,9 @@ private:
     WindowActivation& activation_;
 };
 
-bool isManaged(const QWindow& window) {
-    return (window.type() == Qt::Window || window.type() == Qt::Dialog) &&
+bool isOnScreen(const QWindow& window) {
+    return window.isVisible() && !window.windowStates().testFlag(Qt::WindowMinimized) &&
+           (window.type() == Qt::Window || window.type() == Qt::Dialog) &&
            !window.flags().testFlag(Qt::X11BypassWindowManagerHint);
 }
 
@@ -47,8 +50,12 @@ void presentWindow(QWindow& window, WindowActivation& activation) {
 }
 
 void presentVisibleWindows(WindowActivation& activation) {
-    for (QWindow* window : QGuiApplication::topLevelWindows()) {
-        if (window->isVisible() && isManaged(*window))
+    QWindowList windows = QGuiApplication::topLevelWindows();
+    // The last one ends up in front, with the focus.
+    std::ranges::stable_partition(
+        windows, [](const QWindow* window) { return window->type() != Qt::Dialog; });
+    for (QWindow* window : windows) {
+        if (isOnScreen(*window))
             presentWindow(*window, activation);
     }
 }

@@ -11,7 +11,8 @@ namespace kelvora {
 /// has it. `activation` outlives the window.
 void presentWindow(QWindow& window, WindowActivation& activation);
 
-/// The same for every window that this program shows at present.
+/// The same for every window of this program that is on the screen, not minimized; the dialogs come
+/// in front of the others.
 void presentVisibleWindows(WindowActivation& activation);
 
 } // namespace kelvora

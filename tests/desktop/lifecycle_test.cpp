@@ -6,7 +6,10 @@
 #include "tests/support/real_desktop/windows.h"
 
 #include <gmock/gmock.h>
+
+#include <filesystem>
 #include <string>
+#include <vector>
 
 namespace kelvora::real {
 
@@ -35,10 +38,43 @@ TEST_F(Lifecycle, OnlyAUserIsShownThePreferences) {
                                  "--method=org.freedesktop.Application.Activate", "@a{sv} {}"}),
               0);
     EXPECT_TRUE(waitUntil([&] { return showsPreferences(atLogin); }));
+    const std::filesystem::path home = desktop_.environment().at("HOME");
+    EXPECT_FALSE(std::filesystem::exists(home / ".cache/Kelvora"))
+        << "nothing is left of the window";
 
     Program byUser(desktop_, KELVORA_PROGRAM, Program::Start::byUser);
     EXPECT_TRUE(waitUntil([&] { return showsPreferences(byUser); }));
     EXPECT_EQ(atLogin.process().waitForExit(std::chrono::seconds(5)), 0) << "the newer copy stays";
+}
+
+/// An open list or menu has items of its own, which go in another order than the window's.
+TEST_F(Lifecycle, EndsInOrderWhateverWasOpenedInItsWindow) {
+    const struct {
+        const char* name;
+        std::vector<const char*> keys;
+    } cases[] = {
+        {"a list that is closed by a choice", {}},
+        {"a list that is closed without one", {"space", "Escape"}},
+        {"a list that is open", {"space"}},
+        {"a menu that is closed", {"F10", "Right", "Escape"}},
+        {"a menu that is open", {"F10"}},
+    };
+    const auto settings =
+        std::filesystem::path(desktop_.environment().at("HOME")) / ".config/kelvora/settings.json";
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        std::filesystem::remove(settings);
+        Program program(desktop_, KELVORA_PROGRAM, Program::Start::byUser);
+        ASSERT_TRUE(waitUntil([&] { return showsPreferences(program); }));
+        for (const char* key : {"Tab", "Tab", "space", "Up", "Return"}) // the interval's list
+            desktop_.keyboard().tapNamed(key);
+        ASSERT_TRUE(waitUntil(
+            [&] { return fileContent(settings).find("sensitivity") != std::string::npos; }));
+        for (const char* key : testCase.keys)
+            desktop_.keyboard().tapNamed(key);
+        desktop_.keyboard().controlWith('q');
+        EXPECT_EQ(program.process().waitForExit(std::chrono::seconds(5)), 0) << program.log();
+    }
 }
 
 TEST_F(Lifecycle, TwoCopiesMakeOneCorrection) {

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "app/ui/preferences/persistent_window.h"
+#include "app/ui/window_presenter.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QQmlComponent>
 #include <QQuickItem>
+#include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
 
 namespace kelvora {
 namespace {
@@ -92,6 +97,25 @@ TEST_F(PersistentWindowTest, ClosingOnlyHidesIt) {
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(window.position(), QPoint(40, 50));
     EXPECT_EQ(text(), "hello");
+}
+
+TEST(WindowPresenter, BringsDialogsToTheFrontLastAndLeavesMinimizedWindows) {
+    struct : WindowActivation {
+        void bringToFront(std::uint64_t window) override { order.push_back(window); }
+        std::vector<std::uint64_t> order;
+    } activation;
+    QWindow dialog;
+    QWindow preferences;
+    QWindow minimized;
+    QWindow hidden;
+    dialog.setFlag(Qt::Dialog);
+    dialog.show();
+    preferences.show();
+    minimized.showMinimized();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&preferences));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    presentVisibleWindows(activation);
+    EXPECT_EQ(activation.order, (std::vector<std::uint64_t>{preferences.winId(), dialog.winId()}));
 }
 
 } // namespace

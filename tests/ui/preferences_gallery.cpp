@@ -47,7 +47,8 @@ struct Gallery {
         model->setHotkeyStatus("Listening for double-Shift");
         model->setShiftEventCount(1284);
         model->setDoubleTapCount(97);
-        preferences = PreferencesWindow::create(*model, mainMenu(), [](MenuAction) {});
+        preferences = PreferencesWindow::create(*model, desktop.session().addressOpener, mainMenu(),
+                                                [](MenuAction) {});
         window().resize(size);
         window().show();
         (void)QTest::qWaitForWindowExposed(&window());

@@ -5,11 +5,11 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QDesktopServices>
 #include <QFile>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,8 @@ protected:
     void open(QSize size = {540, 1500}) {
         model.emplace(desktop.services(), desktop.session());
         desktop.sessionCalls.clear();
-        preferences = PreferencesWindow::create(*model, {}, [](MenuAction) {});
+        preferences = PreferencesWindow::create(*model, desktop.session().addressOpener, {},
+                                                [](MenuAction) {});
         ASSERT_NE(preferences, nullptr);
         window().resize(size);
         show();
@@ -274,22 +275,13 @@ TEST_F(PreferencesTest, ColoursFollowTheDesktopWhileTheWindowIsOpen) {
     QGuiApplication::setPalette(before);
 }
 
-class OpenedAddresses : public QObject {
-    Q_OBJECT
-public:
-    QList<QUrl> list;
-public slots:
-    void open(const QUrl& address) { list << address; }
-};
-
 TEST_F(PreferencesTest, HowToGuideIsAFileThatExists) {
-    OpenedAddresses opened;
-    QDesktopServices::setUrlHandler("file", &opened, "open");
     open();
     click("openHowTo");
-    QDesktopServices::unsetUrlHandler("file");
-    ASSERT_EQ(opened.list.size(), 1);
-    EXPECT_TRUE(QFile::exists(opened.list[0].toLocalFile()));
+    ASSERT_EQ(desktop.sessionCalls.size(), 1U);
+    const std::string call = desktop.sessionCalls[0];
+    ASSERT_TRUE(call.starts_with("open file://")) << call;
+    EXPECT_TRUE(QFile::exists(QUrl(QString::fromStdString(call.substr(5))).toLocalFile())) << call;
 }
 
 } // namespace
@@ -301,5 +293,3 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
-
-#include "preferences_test.moc"

@@ -106,7 +106,9 @@ T.ComboBox {
         contentItem: ListView {
             clip: true
             implicitHeight: contentHeight
-            model: picker.delegateModel
+            // Qt 6.4 crashes at the program's end over a list that has been open, when an assistive
+            // program listens.
+            model: picker.popup.visible ? picker.delegateModel : null
             currentIndex: picker.highlightedIndex
             boundsBehavior: Flickable.StopAtBounds
             T.ScrollBar.vertical: ScrollHandle {}

@@ -3,6 +3,7 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +27,9 @@ SoftShadow::SoftShadow(QQuickItem* parent) : QQuickPaintedItem(parent) {
 
 void SoftShadow::paint(QPainter* painter) {
     const qreal scale = painter->deviceTransform().m11(); // of the screen
-    QImage image((size() * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    const QSizeF pixels = size() * scale;
+    QImage image(qCeil(pixels.width()), qCeil(pixels.height()),
+                 QImage::Format_ARGB32_Premultiplied);
     const QSizeF half = (size() - QSizeF(2, 2) * blurRadius_) / 2;
     if (image.isNull() || half.isEmpty() || blurRadius_ <= 0) {
         return;
@@ -43,7 +46,8 @@ void SoftShadow::paint(QPainter* painter) {
             image.setPixel(column, row, qPremultiply(pixel));
         }
     }
-    painter->drawImage(boundingRect(), image);
+    image.setDevicePixelRatio(scale);
+    painter->drawImage(QPointF(), image);
 }
 
 } // namespace kelvora

@@ -4,36 +4,46 @@ import Kelvora.Controls
 import Kelvora.DragGuide
 
 /// The picture of a small switch.
-Rectangle {
+Item {
     id: toggle
 
     property bool isOn: false
 
+    // Not a Rectangle: the software renderer makes a rounded one of nine pieces, and where it is
+    // scaled down lines show between them.
+    component Capsule: SoftShadow {
+        blurRadius: 0.5
+        cornerRadius: height / 2 - blurRadius
+    }
+
     width: 30
     height: 17
-    radius: height / 2
-    // The desktop's secondary colour, at 35 %.
-    color: isOn ? Theme.accent : Qt.alpha(Theme.secondaryText, Theme.secondaryText.a * 0.35)
 
-    Behavior on color { ColorAnimation { duration: 250; easing.type: Easing.InOutQuad } }
+    Capsule {
+        anchors.fill: parent
+        anchors.margins: -blurRadius
+        // The desktop's secondary colour, at 35 %.
+        color: toggle.isOn ? Theme.accent
+                           : Qt.alpha(Theme.secondaryText, Theme.secondaryText.a * 0.35)
 
+        Behavior on color { ColorAnimation { duration: 250; easing.type: Easing.InOutQuad } }
+    }
     SoftShadow {
-        x: circle.x - blurRadius
-        y: circle.y - blurRadius + 0.5
-        width: circle.width + 2 * blurRadius
-        height: circle.height + 2 * blurRadius
+        x: circle.x - 1
+        y: circle.y - 0.5
+        width: circle.width + 2
+        height: circle.height + 2
         blurRadius: 1.5
-        cornerRadius: circle.radius
+        cornerRadius: 6.5
         color: Qt.rgba(0, 0, 0, 0.2)
     }
-    Rectangle {
+    Capsule {
         id: circle
 
-        x: toggle.isOn ? toggle.width - width - 2 : 2
-        y: 2
-        width: 13
-        height: 13
-        radius: 6.5
+        x: (toggle.isOn ? toggle.width - 13 - 2 : 2) - blurRadius
+        y: 2 - blurRadius
+        width: 13 + 2 * blurRadius
+        height: width
         color: "white"
 
         Behavior on x { NumberAnimation { duration: 250; easing.type: Easing.InOutQuad } }

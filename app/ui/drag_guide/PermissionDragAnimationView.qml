@@ -45,6 +45,7 @@ Column {
         objectName: "dragGuidePicture"
         width: parent.width
         height: 250
+        clip: true
 
         Accessible.role: Accessible.Animation
         Accessible.name: qsTr("How Kelvora is dragged into the list of %1 and switched on")
@@ -54,8 +55,6 @@ Column {
             anchors.fill: parent
             radius: 12
             color: Qt.alpha(Theme.window, 0.95)
-            border.width: 1
-            border.color: Qt.alpha(Theme.text, 0.12)
         }
         DragGuideClock {
             id: clock
@@ -94,6 +93,13 @@ Column {
                     yScale: clock.cursorScale
                 }
             }
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: 12
+            color: "transparent"
+            border.width: 1
+            border.color: Qt.alpha(Theme.text, 0.12)
         }
     }
     ManualDragPromptRow {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/ui/preferences/persistent_window.h"
 
+#include <QCoreApplication>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -39,6 +40,16 @@ const char* actionOfKey(const QKeyEvent& event) {
 
 PersistentWindow::PersistentWindow() {
     setResizeMode(QQuickView::SizeRootObjectToView);
+}
+
+PersistentWindow::~PersistentWindow() {
+    // The items of a list that is open must go before the window does: Qt 6.4 crashes over them
+    // otherwise when an assistive program listens.
+    for (QObject* child : findChildren<QObject*>()) {
+        if (child->inherits("QQuickPopup"))
+            QMetaObject::invokeMethod(child, "close");
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 bool PersistentWindow::perform(const QString& action) {

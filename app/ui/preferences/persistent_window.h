@@ -10,6 +10,7 @@ class PersistentWindow final : public QQuickView {
     Q_OBJECT
 public:
     PersistentWindow();
+    ~PersistentWindow() override;
 
     /// Lets the focused item, or the nearest one around it that can, do what an item of the menus
     /// is named after ("copy", "undo", ...); false when there is none.

@@ -26,7 +26,8 @@ public:
         window->setInitialProperties({{"preferences", QVariant::fromValue(&model)},
                                       {"mainMenu", QVariant::fromValue(&menus)},
                                       {"persistentWindow", QVariant::fromValue(window.get())}});
-        window->setSource(QUrl(QStringLiteral("qrc:/kelvora/preferences/PreferencesWindow.qml")));
+        window->setSource(QUrl(QStringLiteral(
+            "qrc:/qt-project.org/imports/Kelvora/Preferences/PreferencesWindow.qml")));
         if (window->status() != QQuickView::Ready)
             return nullptr; // what was wrong stands on standard error
         window->center();
