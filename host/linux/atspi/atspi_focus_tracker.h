@@ -60,7 +60,7 @@ private:
         std::string activeWindow;    ///< path; empty when none is
         std::optional<Focus> focus;
         std::optional<Focus> leftText; ///< it was the focus before that was lost
-        std::uint64_t focusedAt = 0; ///< in the order of what happened
+        std::uint64_t focusedAt = 0;   ///< in the order of what happened
     };
 
     void activate(const std::string& busName);

@@ -69,6 +69,7 @@ void UpdateInstaller::install(const std::string& package,
             sigset_t none; // the termination signals are blocked in this program
             sigemptyset(&none);
             sigprocmask(SIG_SETMASK, &none, nullptr);
+            std::signal(SIGXFSZ, SIG_DFL); // and this one is ignored
         });
         QObject::connect(process, &QProcess::finished, process, &QObject::deleteLater);
         QObject::connect(process, &QProcess::finished, context_.get(),
