@@ -13,7 +13,6 @@ Item {
     // scaled down lines show between them.
     component Capsule: SoftShadow {
         blurRadius: 0.5
-        cornerRadius: height / 2 - blurRadius
     }
 
     width: 30
@@ -21,7 +20,8 @@ Item {
 
     Capsule {
         anchors.fill: parent
-        anchors.margins: -blurRadius
+        anchors.margins: -0.5
+        cornerRadius: 8.5
         // The desktop's secondary colour, at 35 %.
         color: toggle.isOn ? Theme.accent
                            : Qt.alpha(Theme.secondaryText, Theme.secondaryText.a * 0.35)
@@ -40,10 +40,11 @@ Item {
     Capsule {
         id: circle
 
-        x: (toggle.isOn ? toggle.width - 13 - 2 : 2) - blurRadius
-        y: 2 - blurRadius
-        width: 13 + 2 * blurRadius
-        height: width
+        x: (toggle.isOn ? toggle.width - 13 - 2 : 2) - 0.5
+        y: 1.5
+        width: 14
+        height: 14
+        cornerRadius: 6.5
         color: "white"
 
         Behavior on x { NumberAnimation { duration: 250; easing.type: Easing.InOutQuad } }
