@@ -52,8 +52,8 @@ void presentWindow(QWindow& window, WindowActivation& activation) {
 void presentVisibleWindows(WindowActivation& activation) {
     QWindowList windows = QGuiApplication::topLevelWindows();
     // The last one ends up in front, with the focus.
-    std::ranges::stable_partition(
-        windows, [](const QWindow* window) { return window->type() != Qt::Dialog; });
+    std::stable_partition(windows.begin(), windows.end(),
+                          [](const QWindow* window) { return window->type() != Qt::Dialog; });
     for (QWindow* window : windows) {
         if (isOnScreen(*window))
             presentWindow(*window, activation);
