@@ -25,7 +25,6 @@ constexpr milliseconds silenceAfterLoss{200};
 constexpr milliseconds firstPause{100}; // before a lost bus is looked for again
 constexpr int mostTries = 6;
 constexpr milliseconds confirmAfter{500};
-constexpr std::size_t mostTold = 8; // of one application
 constexpr milliseconds endless{-1};
 constexpr milliseconds longestPause{500}; // where nobody can wake
 
@@ -69,7 +68,7 @@ void AtspiFocusWorker::run() {
         silentWindow_.reset();
         search_.reset();
         newcomers_ = {};
-        told_.clear();
+        waiting_.clear();
         lossEnd_.reset();
         confirmAt_.reset();
         {
@@ -182,7 +181,7 @@ void AtspiFocusWorker::handle(const AtspiFocusNotice& notice) {
 
 void AtspiFocusWorker::handleFocus(const AtspiReference& object) {
     if (!tracker_.isActive(object.busName)) {
-        remember({Kind::focusGained, object});
+        waiting_.add({Kind::focusGained, object});
         const std::string before = tracker_.active();
         {
             const std::lock_guard lock(mutex_);
@@ -200,7 +199,7 @@ void AtspiFocusWorker::handleFocus(const AtspiReference& object) {
 
 void AtspiFocusWorker::handleLoss(const AtspiReference& object) {
     if (!tracker_.isActive(object.busName))
-        remember({Kind::focusLost, object});
+        waiting_.add({Kind::focusLost, object});
     if (unanswered_ && unanswered_->object == object)
         giveUpQuestion();
     {
@@ -210,13 +209,6 @@ void AtspiFocusWorker::handleLoss(const AtspiReference& object) {
     // Most often another object gains it at once.
     if (tracker_.isActive(object.busName))
         lossEnd_ = Clock::now() + silenceAfterLoss;
-}
-
-void AtspiFocusWorker::remember(AtspiFocusNotice notice) {
-    std::vector<AtspiFocusNotice>& told = told_[notice.object.busName];
-    if (told.size() >= mostTold)
-        told.erase(told.begin());
-    told.push_back(std::move(notice));
 }
 
 void AtspiFocusWorker::handleWindow(const AtspiFocusNotice& notice) {
@@ -237,7 +229,7 @@ void AtspiFocusWorker::handleWindow(const AtspiFocusNotice& notice) {
     const bool isActivated =
         notice.kind == Kind::windowActivated || notice.kind == Kind::windowFound;
     if (!isActivated && !tracker_.hasAnyFocus(busName))
-        told_.erase(busName);
+        waiting_.forget(busName);
     const bool isOther = tracker_.active() != before;
     if (isOther)
         followActive();
@@ -255,10 +247,7 @@ void AtspiFocusWorker::followActive() {
     giveUpQuestion();
     silentWindow_.reset();
     search_.reset();
-    const auto told = told_.extract(tracker_.active());
-    if (told.empty())
-        return;
-    for (const AtspiFocusNotice& notice : told.mapped())
+    for (const AtspiFocusNotice& notice : waiting_.take(tracker_.active()))
         handle(notice);
 }
 

@@ -5,12 +5,12 @@
 #include "host/linux/atspi/atspi_focus_search.h"
 #include "host/linux/atspi/atspi_focus_tracker.h"
 #include "host/linux/atspi/atspi_newcomers.h"
+#include "host/linux/atspi/atspi_waiting_notices.h"
 #include "host/linux/atspi/wake_descriptor.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -67,7 +67,6 @@ private:
     void handle(const AtspiFocusNotice& notice);
     void handleFocus(const AtspiReference& object);
     void handleLoss(const AtspiReference& object);
-    void remember(AtspiFocusNotice notice);
     void handleWindow(const AtspiFocusNotice& notice);
     /// Asks what the application that has just become active has told before.
     void followActive();
@@ -101,9 +100,7 @@ private:
     std::optional<Question> silentWindow_;
     std::optional<AtspiFocusSearch> search_; ///< of the silent window
     AtspiNewcomers newcomers_;
-    /// By bus name, what other applications have told of their focus last. It is handled when they
-    /// become active.
-    std::map<std::string, std::vector<AtspiFocusNotice>> told_;
+    AtspiWaitingNotices waiting_;
     std::optional<Clock::time_point> confirmAt_;
     /// When the active application has had no focus for long enough to say so.
     std::optional<Clock::time_point> lossEnd_;
