@@ -23,7 +23,7 @@ struct FocusReport {
     FocusSecrecy secrecy = FocusSecrecy::untold;
     /// The element is a text, and another one than the last text that had the focus.
     bool isOtherText = false;
-    bool isText = false;
+    bool isText = false; ///< the element is a text
 };
 
 class SecureEntryListener {
