@@ -218,6 +218,7 @@ void HotkeyMonitor::postTrigger() {
     if (isComposing_) {
         // The next Backspace would be for what is shown of the sequence.
         typedText_->reset();
+        isWordLost_ = true;
     }
     textAtTrigger_ = typedText_->text();
     dispatch_.postToMain([weak = self_.handle()] {

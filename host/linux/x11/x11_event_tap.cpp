@@ -204,7 +204,7 @@ void X11EventTap::deliverKey(const X11DeviceEvent& event, bool isOurs) {
                                 .isSynthetic = isOurs});
     if (!interpreted)
         return;
-    noteInput(*interpreted);
+    noteInput(*interpreted, isOurs);
     if (focus_.isKeyboardTaken())
         return;
     if (!isOurs && focus_.followsPointer() && focus_.hasPointerMovedOn()) {
@@ -231,17 +231,18 @@ void X11EventTap::deliverButton(const X11DeviceEvent& event) {
         result.type = EventType::otherMouseDown;
     else
         return;
-    noteInput(result);
+    noteInput(result, false);
     deliver(result, event.time);
 }
 
-void X11EventTap::noteInput(const InputEvent& event) {
-    // Alt alone opens a menu; Shift only makes a capital letter.
-    constexpr std::uint64_t shortcut = eventFlag::control | eventFlag::command;
-    if (event.type != EventType::flagsChanged)
-        focus_.onInput(!mayMoveFocus(event));
-    else if ((event.flags & shortcut) != 0)
+void X11EventTap::noteInput(const InputEvent& event, bool isOurs) {
+    // Alt alone opens a menu; Shift only makes a capital letter. A key that comes up says nothing:
+    // the dialog that it has brought up may be there already. Our own keys come without their text.
+    const bool isShortcut = (event.flags & (eventFlag::control | eventFlag::command)) != 0;
+    if (event.type == EventType::flagsChanged ? isShortcut : !isOurs && mayMoveFocus(event))
         focus_.onInput(false);
+    else if (event.type == EventType::keyDown)
+        focus_.onInput(!isShortcut);
 }
 
 void X11EventTap::deliver(InputEvent event, std::uint32_t time) {

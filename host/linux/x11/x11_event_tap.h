@@ -46,7 +46,7 @@ private:
     void processNotices();
     void deliverKey(const X11DeviceEvent& event, bool isOurs);
     void deliverButton(const X11DeviceEvent& event);
-    void noteInput(const InputEvent& event);
+    void noteInput(const InputEvent& event, bool isOurs);
     void deliver(InputEvent event, std::uint32_t time);
 
     X11PostingMarks& marks_;

@@ -23,6 +23,7 @@ void X11FocusWatch::start() {
     // Last, with its answer everything above is in force. Whoever has the keyboard already did not
     // ask for it while we were listening.
     grab_ = probe_.isKeyboardGrabbed() ? Grab::foreign : Grab::none;
+    isTextLast_ = false;
 }
 
 X11FocusWatch::Change X11FocusWatch::onFocusEvent(const X11FocusEvent& event) {

@@ -101,6 +101,8 @@ TEST_F(HotkeyMonitorTest, AComposedWordIsKnownWholeOrNotAtAll) {
     desktop.run();
     EXPECT_EQ(triggers, 1);
     EXPECT_EQ(monitor->takeTextAtTrigger(), u"") << "a Backspace would end the sequence only";
+    key(u"ê", Composition::none);
+    EXPECT_EQ(typed(), u"") << "the end of a word";
 }
 
 TEST_F(HotkeyMonitorTest, FindsDoubleTapsOfShiftAlone) {

@@ -163,6 +163,7 @@ const Case cases[] = {
     {"Completions", "q own w [ :ab good ] free w menu q free", "qwabw", "q", "qww!!"},
     {"CompletionsInTheMiddle", "q [ :ab own :cd good ] free w", "qabcdw", "", "qw"},
     {"Prompt", "q click own w [ :ab good ] free q", "qwabq", "", "q!!q"},
+    {"PromptBeforeItsKeyComesUp", "+q click -q own w free q", "q+wq", "", "q+!!q"},
     {"FocusThatFollowsThePointer", "q pointer q .. away w", "q", "q", "q!+q!+w"},
 };
 INSTANTIATE_TEST_SUITE_P(Each, X11Hold,
